@@ -180,10 +180,10 @@ enum AudioMasterOpcodesX : VstInt32 {
   audioMasterWantMidi = audioMasterPinConnected + 2,  // 6, deprecated
   audioMasterGetTime,
   audioMasterProcessEvents,
-  audioMasterSetTime,                          // deprecated
-  audioMasterTempoAt,                          // deprecated
-  audioMasterGetNumAutomatableParameters,      // deprecated
-  audioMasterGetParameterQuantization,         // deprecated
+  audioMasterSetTime,                      // deprecated
+  audioMasterTempoAt,                      // deprecated
+  audioMasterGetNumAutomatableParameters,  // deprecated
+  audioMasterGetParameterQuantization,     // deprecated
   audioMasterIOChanged,
   audioMasterNeedIdle,  // deprecated
   audioMasterSizeWindow,
@@ -191,9 +191,9 @@ enum AudioMasterOpcodesX : VstInt32 {
   audioMasterGetBlockSize,
   audioMasterGetInputLatency,
   audioMasterGetOutputLatency,
-  audioMasterGetPreviousPlug,            // deprecated
-  audioMasterGetNextPlug,                // deprecated
-  audioMasterWillReplaceOrAccumulate,    // deprecated
+  audioMasterGetPreviousPlug,          // deprecated
+  audioMasterGetNextPlug,              // deprecated
+  audioMasterWillReplaceOrAccumulate,  // deprecated
   audioMasterGetCurrentProcessLevel,
   audioMasterGetAutomationState,
   audioMasterOfflineStart,
@@ -201,8 +201,8 @@ enum AudioMasterOpcodesX : VstInt32 {
   audioMasterOfflineWrite,
   audioMasterOfflineGetCurrentPass,
   audioMasterOfflineGetCurrentMetaPass,
-  audioMasterSetOutputSampleRate,            // deprecated
-  audioMasterGetOutputSpeakerArrangement,    // deprecated
+  audioMasterSetOutputSampleRate,          // deprecated
+  audioMasterGetOutputSpeakerArrangement,  // deprecated
   audioMasterGetVendorString,
   audioMasterGetProductString,
   audioMasterGetVendorVersion,
@@ -218,9 +218,9 @@ enum AudioMasterOpcodesX : VstInt32 {
   audioMasterEndEdit,
   audioMasterOpenFileSelector,
   audioMasterCloseFileSelector,
-  audioMasterEditFile,                      // deprecated
-  audioMasterGetChunkFile,                  // deprecated
-  audioMasterGetInputSpeakerArrangement,    // deprecated, 49
+  audioMasterEditFile,                    // deprecated
+  audioMasterGetChunkFile,                // deprecated
+  audioMasterGetInputSpeakerArrangement,  // deprecated, 49
 };
 static_assert(audioMasterGetInputSpeakerArrangement == 49);
 
