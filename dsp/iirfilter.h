@@ -86,8 +86,7 @@ inline double IIRFilter::step(const double* c, std::int32_t form, double x, doub
 }
 
 inline void IIRFilter::iirProcessing(double* x) noexcept {
-  // Locals first: x may point into this object's neighbours, and the compiler then keeps
-  // the state in registers.
+  // State through locals: *x may alias any double, so this keeps the state in registers.
   double s1 = z1;
   double s2 = z2;
   *x = step(coef, form, *x, s1, s2);
