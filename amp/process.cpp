@@ -1,0 +1,166 @@
+// The block procedure: lock, flush-to-zero, tone-stack redesign on a change of DEEP, BASS or
+// TREBLE, VOLUME and MASTER ramps across the block, the chain (chain.h), take-over of the applied
+// values, restore, unlock. Audio thread only.
+#include <algorithm>
+#include <mutex>
+
+#include "amp/chain.h"
+#include "amp/tarnwell.h"
+#include "dsp/flush_to_zero.h"
+
+namespace {
+
+// Finite test as plain arithmetic: inf - inf and NaN - NaN are NaN.
+bool finite(double x) noexcept {
+  return x - x == 0.0;
+}
+
+void refreshIfNonFinite(IIRFilter& f) noexcept {
+  if (!finite(f.z1) || !finite(f.z2)) f.refresh();
+}
+
+// Plain loops rather than std::copy/std::fill, which may become library calls.
+void copyValues(const double* from, double* to, int count) noexcept {
+  for (int k = 0; k < count; ++k) to[k] = from[k];
+}
+
+void fillValues(double* to, int count, double value) noexcept {
+  for (int k = 0; k < count; ++k) to[k] = value;
+}
+
+void zeroIfNonFinite(double* s, int count) noexcept {
+  bool ok = true;
+  for (int k = 0; k < count; ++k) ok = ok && finite(s[k]);
+  if (!ok) fillValues(s, count, 0.0);
+}
+
+}  // namespace
+
+void Tarnwell::processDoubleReplacing(double** inputs, double** outputs,
+                                      VstInt32 sampleFrames) noexcept {
+  std::lock_guard<RecursiveMutex> lock(mutex);
+  FlushToZeroGuard flushToZero;
+
+  const int n = sampleFrames;
+  if (n > 0 &&
+      (inputs == nullptr || outputs == nullptr || inputs[0] == nullptr || outputs[0] == nullptr)) {
+    return;  // no buffers to work on: nothing processed, nothing taken over
+  }
+  const double* in = n > 0 ? inputs[0] : nullptr;
+  double* out = n > 0 ? outputs[0] : nullptr;
+
+  const Clipper* clip0 = clip[0].load(std::memory_order_acquire);
+  const Clipper* clip1 = clip[1].load(std::memory_order_acquire);
+  if (osBuffer == nullptr || clip0 == nullptr || clip1 == nullptr) {
+    // Before the first set-up there is no chain: the block is silence.
+    fillValues(out, n, 0.0);
+    return;
+  }
+
+  // The live values, read once for the whole block.
+  const float curDeep = deep.load(std::memory_order_relaxed);
+  const float curTreble = treble.load(std::memory_order_relaxed);
+  const float curBass = bass.load(std::memory_order_relaxed);
+  const double curVolume = volume.load(std::memory_order_relaxed);
+  const double curMaster = master.load(std::memory_order_relaxed);
+
+  // Exact comparisons; a NaN counts as a change.
+  if (curDeep != lastDeep || curBass != lastBass || curTreble != lastTreble) {
+    // A 0-sample block starts its ramps with length 1, so the filters stay finite.
+    redesignToneStack(curDeep, curTreble, curBass, std::max(n, 1));
+  }
+
+  const double r = n > 1 ? 1.0 / (n - 1) : 0.0;
+
+  chain::Block block;
+  block.volumeStep = (curVolume - lastVolume) * r;
+  block.masterStep = (curMaster - lastMaster) * r;
+  block.lastVolume = lastVolume;
+  block.lastMaster = lastMaster;
+  // A trim that is not finite gives silence rather than a non-finite output.
+  block.trim = finite(appliedTrim) ? appliedTrim : 0.0;
+  block.clip0 = clip0;
+  block.clip1 = clip1;
+  block.os.load(osCoefA, osCoefB);
+  copyValues(osUpState, block.up, 5);
+  copyValues(osDownState, block.down, 5);
+  for (int k = 0; k < 2; ++k) block.first[k].load(*firstFilters[k]);
+  for (int k = 0; k < 2; ++k) block.final[k].load(*finalFilters[k]);
+  block.masterStage.load(*masterFilters[0]);
+  block.outHighPass.load(*outHighPass);
+
+  // The tone stack glides over the first rampEnd samples, then runs with fixed coefficients.
+  int rampEnd = 0;
+  for (int k = 0; k < 7; ++k) rampEnd = std::max(rampEnd, chain::rampSamplesLeft(*eqFilters[k], n));
+  for (int k = 0; k < 7; ++k) block.eqRamp[k].load(*eqFilters[k]);
+
+  const bool sevenfold = osFactor == 7;
+  if (rampEnd > 0) {
+    if (sevenfold) {
+      block.run<true, 7>(in, out, 0, rampEnd);
+    } else {
+      block.run<true, 8>(in, out, 0, rampEnd);
+    }
+  }
+  if (rampEnd < n) {
+    // Past its ramp a filter's effective coefficients are step * pos + prev, fixed.
+    for (int k = 0; k < 7; ++k) {
+      const chain::RampSection& ramp = block.eqRamp[k];
+      double c[IIRFilter::kNumCoefs];
+      for (int j = 0; j < IIRFilter::kNumCoefs; ++j) c[j] = ramp.step[j] * ramp.pos + ramp.prev[j];
+      block.eq[k].load(*eqFilters[k], c);
+      block.eq[k].z1 = ramp.z1;
+      block.eq[k].z2 = ramp.z2;
+    }
+    if (sevenfold) {
+      block.run<false, 7>(in, out, rampEnd, n);
+    } else {
+      block.run<false, 8>(in, out, rampEnd, n);
+    }
+    for (int k = 0; k < 7; ++k) {
+      block.eqRamp[k].z1 = block.eq[k].z1;
+      block.eqRamp[k].z2 = block.eq[k].z2;
+    }
+  }
+
+  // Write back.
+  chain::Oversampler::normalise(block.up);
+  copyValues(block.up, osUpState, 5);
+  copyValues(block.down, osDownState, 5);
+  for (int k = 0; k < 2; ++k) block.first[k].store(*firstFilters[k]);
+  for (int k = 0; k < 7; ++k) block.eqRamp[k].store(*eqFilters[k]);
+  block.masterStage.store(*masterFilters[0]);
+  for (int k = 0; k < 2; ++k) block.final[k].store(*finalFilters[k]);
+  block.outHighPass.store(*outHighPass);
+
+  lastDeep = curDeep;
+  lastVolume = curVolume;
+  lastTreble = curTreble;
+  lastBass = curBass;
+  lastMaster = curMaster;
+
+  clearNonFiniteState();
+}
+
+void Tarnwell::clearNonFiniteState() noexcept {
+  for (int k = 0; k < numFirstFilters; ++k) refreshIfNonFinite(*firstFilters[k]);
+  for (int k = 0; k < numEqFilters; ++k) {
+    IIRFilter& f = *eqFilters[k];
+    refreshIfNonFinite(f);
+    // A ramp that started from a non-finite design lands on the new one at once.
+    bool rampFinite = true;
+    for (int j = 0; j < IIRFilter::kNumCoefs; ++j) {
+      rampFinite = rampFinite && finite(f.prevCoef[j]) && finite(f.stepCoef[j]);
+    }
+    if (!rampFinite) {
+      copyValues(f.coef, f.prevCoef, IIRFilter::kNumCoefs);
+      fillValues(f.stepCoef, IIRFilter::kNumCoefs, 0.0);
+      f.rampPos = f.rampLen + 1.0;
+    }
+  }
+  for (int k = 0; k < numMasterFilters; ++k) refreshIfNonFinite(*masterFilters[k]);
+  for (int k = 0; k < numFinalFilters; ++k) refreshIfNonFinite(*finalFilters[k]);
+  refreshIfNonFinite(*outHighPass);
+  zeroIfNonFinite(osUpState, 5);
+  zeroIfNonFinite(osDownState, 5);
+}
