@@ -1,0 +1,12 @@
+// Command-line checks shared by the subcommands: a dial position on the plug-in's 1-to-10 scale
+// (finite; "nan" is not a position) and an encoding name from the --format table.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace tarnwell::cli {
+
+CLI::Validator dialPosition();
+CLI::Validator encodingName();
+
+}  // namespace tarnwell::cli

@@ -1,0 +1,54 @@
+// tarnwell: renders audio files through the NEW Tarnwell bass amp plug-in, describes the plug-in,
+// and plays a demo. Exit codes: 0 success, 1 usage error, 2 processing or file error.
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+
+#include "host/cli/commands.h"
+#include "host/cli/errors.h"
+#include "host/plugin_error.h"
+
+namespace {
+
+using namespace tarnwell::cli;
+
+int fail(int code, const char* message) {
+  fmt::print(stderr, "tarnwell: {}\n", message);
+  return code;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App app{
+      "Renders audio through the NEW Tarnwell bass amp plug-in (mono; each channel of a file runs\n"
+      "through its own amp). Exit codes: 0 success, 1 usage error, 2 processing or file error.",
+      "tarnwell"};
+  app.require_subcommand(1);
+  app.footer("Run 'tarnwell COMMAND --help' for the options of each command.");
+
+  RenderCommand render;
+  InfoCommand info;
+  DemoCommand demo;
+  CLI::App* renderApp = addRender(app, render);
+  CLI::App* infoApp = addInfo(app, info);
+  CLI::App* demoApp = addDemo(app, demo);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kExitSuccess : kExitUsage;
+  }
+
+  try {
+    if (renderApp->parsed()) return runRender(render);
+    if (infoApp->parsed()) return runInfo(info);
+    if (demoApp->parsed()) return runDemo(demo);
+    return kExitUsage;
+  } catch (const UsageError& error) {
+    return fail(kExitUsage, error.what());
+  } catch (const std::exception& error) {
+    return fail(kExitFailure, error.what());
+  }
+}

@@ -1,0 +1,133 @@
+#include "host/cli/pending_output.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "host/cli/errors.h"
+
+namespace tarnwell::cli {
+namespace {
+
+constexpr int kCleanupSignals[] = {SIGINT, SIGTERM, SIGHUP};
+
+// The path the signal handler removes; written only while no handler can run on it (disarmed).
+std::array<char, 4096> pendingPath{};
+volatile std::sig_atomic_t pendingArmed = 0;
+
+extern "C" void removePendingAndDie(int signal) {
+  if (pendingArmed != 0) unlink(pendingPath.data());
+  // The handler was installed with SA_RESETHAND: raising again ends the program as the signal
+  // would.
+  raise(signal);
+}
+
+void installCleanupHandlers() {
+  static const bool installed = [] {
+    struct sigaction action {};
+    action.sa_handler = removePendingAndDie;
+    action.sa_flags = SA_RESETHAND;
+    sigemptyset(&action.sa_mask);
+    for (int s : kCleanupSignals) sigaction(s, &action, nullptr);
+    return true;
+  }();
+  (void)installed;
+}
+
+void arm(const std::filesystem::path& path) {
+  const std::string& text = path.native();
+  if (text.size() >= pendingPath.size())
+    return;  // too long to keep: cleaned up by the destructor only
+  pendingArmed = 0;
+  std::memcpy(pendingPath.data(), text.c_str(), text.size() + 1);
+  pendingArmed = 1;
+}
+
+void disarm() {
+  pendingArmed = 0;
+}
+
+mode_t creationMode() {
+  const mode_t mask = umask(0);
+  umask(mask);
+  return 0666 & ~mask;
+}
+
+std::string systemError(int error) {
+  return std::strerror(error);
+}
+
+}  // namespace
+
+PendingOutput::PendingOutput(std::filesystem::path target, bool overwrite)
+    : target_(std::move(target)), overwrite_(overwrite) {
+  std::error_code error;
+  const auto status = std::filesystem::status(target_, error);
+  if (std::filesystem::is_directory(status)) {
+    throw UsageError(target_.string() + " is a directory");
+  }
+  if (std::filesystem::exists(status) && !overwrite_) {
+    throw UsageError(target_.string() + " exists; add --overwrite to replace it");
+  }
+  const std::filesystem::path directory =
+      target_.has_parent_path() ? target_.parent_path() : std::filesystem::path(".");
+  // Hidden, and named after the target so a leftover says where it came from.
+  std::string hidden = ".";
+  hidden.append(target_.filename().native()).append(".tarnwell-XXXXXX");
+  std::string pattern = (directory / hidden).native();
+
+  installCleanupHandlers();
+  fd_ = mkstemp(pattern.data());
+  if (fd_ < 0) {
+    throw RunError("cannot write " + target_.string() + ": " + systemError(errno));
+  }
+  temporary_ = pattern;
+  arm(temporary_);
+  fchmod(fd_, creationMode());
+}
+
+PendingOutput::~PendingOutput() {
+  discard();
+}
+
+void PendingOutput::discard() noexcept {
+  if (fd_ >= 0) close(fd_);
+  fd_ = -1;
+  if (!temporary_.empty()) {
+    disarm();
+    unlink(temporary_.c_str());
+    temporary_.clear();
+  }
+}
+
+void PendingOutput::commit() {
+  const auto fail = [&](int error) {
+    discard();
+    return RunError("cannot write " + target_.string() + ": " + systemError(error));
+  };
+  if (fsync(fd_) != 0) throw fail(errno);
+  const int fd = fd_;
+  fd_ = -1;
+  if (close(fd) != 0) throw fail(errno);
+
+  if (overwrite_) {
+    if (rename(temporary_.c_str(), target_.c_str()) != 0) throw fail(errno);
+  } else if (renameat2(AT_FDCWD, temporary_.c_str(), AT_FDCWD, target_.c_str(), RENAME_NOREPLACE) !=
+             0) {
+    if (errno == EEXIST) {
+      discard();
+      throw RunError(target_.string() + " appeared while rendering; left it as it is");
+    }
+    throw fail(errno);
+  }
+  disarm();
+  temporary_.clear();
+}
+
+}  // namespace tarnwell::cli

@@ -1,0 +1,38 @@
+// An output file that appears whole or not at all. The data goes to a temporary file beside the
+// target (same directory, so the final rename never crosses file systems); commit() flushes it to
+// disk and renames it into place. Until then the target is untouched, and the temporary file is
+// removed when the object goes out of scope, on an exception or when SIGINT, SIGTERM or SIGHUP ends
+// the program (best effort, one pending output at a time).
+//
+// Without `overwrite` an existing target is refused, up front and again at the rename.
+#pragma once
+
+#include <filesystem>
+
+namespace tarnwell::cli {
+
+class PendingOutput {
+ public:
+  // Throws UsageError when the target exists (without overwrite) or is a directory, RunError when
+  // the temporary file cannot be created.
+  PendingOutput(std::filesystem::path target, bool overwrite);
+  ~PendingOutput();
+  PendingOutput(const PendingOutput&) = delete;
+  PendingOutput& operator=(const PendingOutput&) = delete;
+
+  int fd() const noexcept { return fd_; }
+  const std::filesystem::path& target() const noexcept { return target_; }
+
+  // Throws RunError; the temporary file is gone either way.
+  void commit();
+
+ private:
+  void discard() noexcept;
+
+  std::filesystem::path target_;
+  std::filesystem::path temporary_;
+  bool overwrite_;
+  int fd_ = -1;
+};
+
+}  // namespace tarnwell::cli
