@@ -19,10 +19,28 @@
 // Audio thread only; allocation-free, no call, no lock.
 #pragma once
 
+#include <emmintrin.h>
+
 #include "dsp/clipper.h"
 #include "dsp/iirfilter.h"
 
 namespace chain {
+
+// clipLookup without branches: the clamp is a min and a max, NaN reads as 0, and the right-hand
+// neighbour of the last entry is the entry itself. That last is exact: p reaches 40000 only for
+// v = 1, where t = 0 and (next - table[40000]) * 0 adds a zero to a non-zero end value.
+inline double lookup(const Clipper& c, double u) noexcept {
+  // minsd/maxsd keep every in-range value, -0 included, exactly; NaN is masked to +0.
+  const __m128d x = _mm_set_sd(u);
+  __m128d clamped = _mm_max_sd(_mm_min_sd(x, _mm_set_sd(1.0)), _mm_set_sd(-1.0));
+  clamped = _mm_and_pd(clamped, _mm_cmpord_sd(x, x));
+  const double v = _mm_cvtsd_f64(clamped);
+  const double p = c.scale + v * c.scale;
+  const int i = static_cast<int>(p);
+  const double t = p - i;
+  const int j = i < kClipLast ? i + 1 : kClipLast;
+  return (c.table[j] - c.table[i]) * t + c.table[i];
+}
 
 // One transposed direct form II section with fixed coefficients.
 struct Section {
@@ -164,34 +182,37 @@ struct Block {
 
   // The nonlinear section and the down-filter for one up-filter output.
   double shapeAndDecimate(double y, double g) noexcept {
-    double v = clipLookup(*clip0, y);
+    double v = lookup(*clip0, y);
     v = masterStage.run(v);
     v = v * g;
-    const double u = clipLookup(*clip1, v);
+    const double u = lookup(*clip1, v);
     return os.run(u, down);
   }
 
   // Samples [begin, end) of the block; Ramping selects the gliding tone stack, F the factor.
   template <bool Ramping, int F>
   void run(const double* in, double* out, int begin, int end) noexcept {
+    // A local copy: no store to out[] can alias it, so its values live in registers.
+    Block b = *this;
     for (int i = begin; i < end; ++i) {
       const double c = i;
       double x = in[i];
-      x = first[0].run(x);
-      x = first[1].run(x);
-      for (int k = 0; k < 7; ++k) x = Ramping ? eqRamp[k].run(x) : eq[k].run(x);
-      x = (c * volumeStep + lastVolume) * x;
-      const double g = lastMaster + c * masterStep;
+      x = b.first[0].run(x);
+      x = b.first[1].run(x);
+      for (int k = 0; k < 7; ++k) x = Ramping ? b.eqRamp[k].run(x) : b.eq[k].run(x);
+      x = (c * b.volumeStep + b.lastVolume) * x;
+      const double g = b.lastMaster + c * b.masterStep;
 
-      Oversampler::normalise(up);
-      double w = shapeAndDecimate(os.run(x, up), g);
-      for (int s = 1; s < F; ++s) shapeAndDecimate(os.runZero(up), g);
+      Oversampler::normalise(b.up);
+      double w = b.shapeAndDecimate(b.os.run(x, b.up), g);
+      for (int s = 1; s < F; ++s) b.shapeAndDecimate(b.os.runZero(b.up), g);
 
-      w = final[0].run(w);
-      w = final[1].run(w);
-      w = outHighPass.run(w);
-      out[i] = w * trim;
+      w = b.final[0].run(w);
+      w = b.final[1].run(w);
+      w = b.outHighPass.run(w);
+      out[i] = w * b.trim;
     }
+    *this = b;
   }
 };
 
