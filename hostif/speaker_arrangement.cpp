@@ -51,8 +51,12 @@ bool AudioEffectX::deallocateArrangement(VstSpeakerArrangement** arrangement) {
 
 bool AudioEffectX::copySpeaker(VstSpeakerProperties* to, VstSpeakerProperties* from) {
   if (!to || !from) return false;
-  std::strncpy(to->name, from->name, kNameChars);
-  to->name[kNameChars] = 0;
+  // At most 63 characters, zero-filled behind them: the name always ends within its 64 bytes.
+  const void* end = std::memchr(from->name, 0, kNameChars);
+  const std::size_t length =
+      end ? static_cast<std::size_t>(static_cast<const char*>(end) - from->name) : kNameChars;
+  std::memcpy(to->name, from->name, length);
+  std::memset(to->name + length, 0, sizeof to->name - length);
   to->type = from->type;
   to->azimuth = from->azimuth;
   to->elevation = from->elevation;
