@@ -27,6 +27,9 @@ int main(int argc, char** argv) {
       "tarnwell"};
   app.require_subcommand(1);
   app.footer("Run 'tarnwell COMMAND --help' for the options of each command.");
+  app.failure_message([](const CLI::App*, const CLI::Error& error) {
+    return fmt::format("tarnwell: {} (see --help)\n", error.what());
+  });
 
   RenderCommand render;
   InfoCommand info;

@@ -24,8 +24,9 @@ SF_INFO outputInfo(const SF_INFO& input, const std::optional<SampleFormat>& form
   out.format = input.format;
   if (format) out.format = (input.format & SF_FORMAT_TYPEMASK) | format->subtype;
   if (!canWrite(out.format, out.channels, out.samplerate)) {
-    throw UsageError(fmt::format("cannot write {} with {} channels at {} Hz",
-                                 describeFormat(out.format), out.channels, out.samplerate));
+    throw UsageError(
+        fmt::format("cannot write {} for {} channel(s) at {} Hz; choose another --format",
+                    describeFormat(out.format), out.channels, out.samplerate));
   }
   return out;
 }

@@ -1,5 +1,9 @@
 #include "host/cli/sound_file.h"
 
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
 #include <utility>
 
 #include "host/cli/errors.h"
@@ -10,6 +14,9 @@ SoundFile SoundFile::openRead(const std::filesystem::path& path) {
   std::error_code error;
   if (std::filesystem::is_directory(path, error)) {
     throw RunError("cannot read " + path.string() + ": it is a directory");
+  }
+  if (access(path.c_str(), R_OK) != 0) {
+    throw RunError("cannot read " + path.string() + ": " + std::strerror(errno));
   }
   SF_INFO info{};
   SNDFILE* file = sf_open(path.c_str(), SFM_READ, &info);
