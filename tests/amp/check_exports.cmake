@@ -1,0 +1,11 @@
+# Fails unless the plug-in's dynamic symbol table defines exactly the two entry points.
+execute_process(COMMAND nm -D --defined-only ${PLUGIN} OUTPUT_VARIABLE symbols RESULT_VARIABLE rc)
+if(NOT rc EQUAL 0)
+  message(FATAL_ERROR "nm failed on ${PLUGIN}")
+endif()
+string(REGEX MATCHALL "[^ \n]+\n" names "${symbols}")
+list(TRANSFORM names STRIP)
+list(SORT names)
+if(NOT names STREQUAL "OrvTypeIF;getinterface")
+  message(FATAL_ERROR "unexpected exports: ${names}")
+endif()
