@@ -45,8 +45,8 @@ CLI::App* addDemo(CLI::App& app, DemoCommand& command) {
   CLI::App* sub = app.add_subcommand("demo", "Render a built-in bass riff through the amp");
   sub->footer(fmt::format(
       "Synthesises a few seconds of plucked bass at DI level (peaking about -6 dBFS, 44100 Hz,\n"
-      "mono) and renders it through the amp at its start-up program. Writes {} and {} into\n"
-      "DIR, replacing earlier demo files there.\n"
+      "mono) and renders it through the amp at its start-up program. Writes {} and\n"
+      "{} into DIR, replacing earlier demo files there.\n"
       "Example: tarnwell demo /tmp/tarnwell-demo",
       kDryName, kAmpName));
   sub->add_option("DIR", command.directory, "Directory for the two files (created if missing)")

@@ -31,7 +31,7 @@ CLI::Validator encodingName() {
         if (formatByName(text)) return {};
         return fmt::format("unknown format '{}' (use one of {})", text, formatNameList());
       },
-      "SUBTYPE");
+      "");
 }
 
 }  // namespace tarnwell::cli

@@ -1,6 +1,9 @@
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cstdio>
+#include <tuple>
 
 #include "host/cli/commands.h"
 #include "host/cli/dial_validator.h"
@@ -17,6 +20,7 @@ CLI::App* addRender(CLI::App& app, RenderCommand& command) {
       "Knob values are dial positions on the amp's 1-to-10 scale (5.5 is the middle). Each\n"
       "channel runs through its own amp at the file's own sample rate. OUT is written only when\n"
       "complete; the amp expects a DI level peaking around -6 dBFS.\n"
+      "Exit codes: 0 success, 1 usage error, 2 processing or file error.\n"
       "Example: tarnwell render bass-di.wav bass-amp.wav --program 3 --deep on --bass 7");
   sub->add_option("IN", request.input, "Input audio file")->required();
   sub->add_option("OUT", request.output, "Output audio file (kept if it exists, see --overwrite)")
@@ -27,18 +31,18 @@ CLI::App* addRender(CLI::App& app, RenderCommand& command) {
       ->check(CLI::Range(1, 16))
       ->type_name("N");
   sub->add_option("--deep", command.deep, "DEEP voicing of the tone stack")
-      ->check(CLI::IsMember({"on", "off"}, CLI::ignore_case))
+      ->check(CLI::IsMember({"on", "off"}, CLI::ignore_case).description(""))
       ->type_name("on|off");
-  const std::pair<const char*, std::optional<double>*> knobs[] = {
-      {"--volume", &tone.volume},
-      {"--treble", &tone.treble},
-      {"--bass", &tone.bass},
-      {"--master", &tone.master},
+  const std::tuple<const char*, const char*, std::optional<double>*> knobs[] = {
+      {"--volume", "VOLUME", &tone.volume},
+      {"--treble", "TREBLE", &tone.treble},
+      {"--bass", "BASS", &tone.bass},
+      {"--master", "MASTER", &tone.master},
   };
-  for (const auto& [name, target] : knobs) {
+  for (const auto& [option, knob, target] : knobs) {
     sub->add_option_function<double>(
-           name, [target](const double& d) { *target = d; },
-           fmt::format("{} dial position, 1 to 10", name + 2))
+           option, [target](const double& d) { *target = d; },
+           fmt::format("{} dial position, 1 to 10", knob))
         ->check(dialPosition())
         ->type_name("D");
   }
@@ -48,7 +52,8 @@ CLI::App* addRender(CLI::App& app, RenderCommand& command) {
       ->capture_default_str();
   sub->add_option("--format", command.format,
                   "Sample encoding of OUT instead of the input's: " + formatNameList())
-      ->check(encodingName());
+      ->check(encodingName())
+      ->type_name("SUBTYPE");
   sub->add_flag("--overwrite", request.overwrite, "Replace OUT if it exists");
   sub->add_option("--plugin", request.plugin,
                   "Plug-in library (default: tarnwell.so beside this command)")
@@ -59,7 +64,11 @@ CLI::App* addRender(CLI::App& app, RenderCommand& command) {
 
 int runRender(RenderCommand& command) {
   RenderRequest& request = command.request;
-  if (!command.deep.empty()) request.tone.deep = command.deep == "on";
+  if (!command.deep.empty()) {
+    std::ranges::transform(command.deep, command.deep.begin(),
+                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    request.tone.deep = command.deep == "on";
+  }
   if (!command.format.empty()) request.format = formatByName(command.format);
   if (request.plugin.empty()) request.plugin = defaultPluginPath();
 

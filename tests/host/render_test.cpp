@@ -96,7 +96,7 @@ TEST(Render, ProgramAndDialsReachThePlugin) {
             roundedToFloat(referenceRender(plugin, input, {.program = 2})));
 
   const Result dialled = runCommand({"render", in, dir / "d.wav", "--plugin", plugin, "--program",
-                                     "2", "--volume", "3.25", "--deep", "on"});
+                                     "2", "--volume", "3.25", "--deep", "ON"});
   ASSERT_EQ(dialled.exitCode, 0) << dialled.err;
   EXPECT_NE(dialled.out.find("DEEP 10.00, VOLUME 3.25"), std::string::npos) << dialled.out;
 }
