@@ -52,13 +52,19 @@ void stream(SoundFile& in, SoundFile& out, Rack& rack, int blockFrames, Progress
   for (;;) {
     const auto n = static_cast<int>(in.read(frames.data(), blockFrames));
     if (n == 0) break;
-    for (int c = 0; c < channels; ++c) {
-      for (int i = 0; i < n; ++i) dry[i] = frames[i * channels + c];
-      rack[c]->process(dry.data(), wet.data(), n);
-      for (int i = 0; i < n; ++i) frames[i * channels + c] = wet[i];
+    if (channels == 1) {  // already one channel's samples: no copies
+      rack[0]->process(frames.data(), wet.data(), n);
+      meter.add(wet.data(), n);
+      out.write(wet.data(), n);
+    } else {
+      for (int c = 0; c < channels; ++c) {
+        for (int i = 0; i < n; ++i) dry[i] = frames[i * channels + c];
+        rack[c]->process(dry.data(), wet.data(), n);
+        for (int i = 0; i < n; ++i) frames[i * channels + c] = wet[i];
+      }
+      meter.add(frames.data(), static_cast<std::int64_t>(n) * channels);
+      out.write(frames.data(), n);
     }
-    meter.add(frames.data(), static_cast<std::int64_t>(n) * channels);
-    out.write(frames.data(), n);
     progress.advance(n);
   }
 }
