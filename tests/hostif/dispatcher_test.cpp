@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <concepts>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -14,7 +15,8 @@ namespace {
 
 constexpr VstIntPtr kAnswer = 42;
 
-std::string arg(VstIntPtr v) {
+template <std::integral I>
+std::string arg(I v) {
   return std::to_string(v);
 }
 std::string arg(bool b) {
@@ -50,49 +52,45 @@ class LoggingEffect : public PlainEffect {
   void suspend() override { note(call("suspend")); }
   void resume() override { note(call("resume")); }
   void setSampleRate(float r) override { note(call("setSampleRate", r)); }
-  void setBlockSize(VstInt32 n) override { note(call("setBlockSize", VstIntPtr{n})); }
+  void setBlockSize(VstInt32 n) override { note(call("setBlockSize", n)); }
   VstInt32 getProgram() override { return note(call("getProgram")), kAnswer; }
-  void setProgram(VstInt32 p) override { note(call("setProgram", VstIntPtr{p})); }
+  void setProgram(VstInt32 p) override { note(call("setProgram", p)); }
   void setProgramName(char* s) override { note(call("setProgramName", s)); }
   void getProgramName(char* s) override { note(call("getProgramName", s)); }
-  void getParameterLabel(VstInt32 i, char* s) override {
-    note(call("getParameterLabel", VstIntPtr{i}, s));
-  }
+  void getParameterLabel(VstInt32 i, char* s) override { note(call("getParameterLabel", i, s)); }
   void getParameterDisplay(VstInt32 i, char* s) override {
-    note(call("getParameterDisplay", VstIntPtr{i}, s));
+    note(call("getParameterDisplay", i, s));
   }
-  void getParameterName(VstInt32 i, char* s) override {
-    note(call("getParameterName", VstIntPtr{i}, s));
-  }
+  void getParameterName(VstInt32 i, char* s) override { note(call("getParameterName", i, s)); }
   VstInt32 getChunk(void** d, bool p) override { return note(call("getChunk", d, p)), kAnswer; }
   VstInt32 setChunk(void* d, VstInt32 n, bool p) override {
-    return note(call("setChunk", d, VstIntPtr{n}, p)), kAnswer;
+    return note(call("setChunk", d, n, p)), kAnswer;
   }
   VstInt32 processEvents(VstEvents* e) override { return note(call("processEvents", e)), kAnswer; }
   bool canParameterBeAutomated(VstInt32 i) override {
-    return note(call("canBeAutomated", VstIntPtr{i})), true;
+    return note(call("canBeAutomated", i)), true;
   }
   bool string2parameter(VstInt32 i, char* s) override {
-    return note(call("string2parameter", VstIntPtr{i}, s)), true;
+    return note(call("string2parameter", i, s)), true;
   }
   bool getProgramNameIndexed(VstInt32 c, VstInt32 i, char* s) override {
-    return note(call("getProgramNameIndexed", VstIntPtr{c}, VstIntPtr{i}, s)), true;
+    return note(call("getProgramNameIndexed", c, i, s)), true;
   }
   bool getInputProperties(VstInt32 i, VstPinProperties* p) override {
-    return note(call("getInputProperties", VstIntPtr{i}, p)), true;
+    return note(call("getInputProperties", i, p)), true;
   }
   bool getOutputProperties(VstInt32 i, VstPinProperties* p) override {
-    return note(call("getOutputProperties", VstIntPtr{i}, p)), true;
+    return note(call("getOutputProperties", i, p)), true;
   }
   VstPlugCategory getPlugCategory() override { return note(call("category")), kPlugCategRoomFx; }
   bool offlineNotify(VstAudioFile* f, VstInt32 n, bool s) override {
-    return note(call("offlineNotify", f, VstIntPtr{n}, s)), true;
+    return note(call("offlineNotify", f, n, s)), true;
   }
   bool offlinePrepare(VstOfflineTask* t, VstInt32 n) override {
-    return note(call("offlinePrepare", t, VstIntPtr{n})), true;
+    return note(call("offlinePrepare", t, n)), true;
   }
   bool offlineRun(VstOfflineTask* t, VstInt32 n) override {
-    return note(call("offlineRun", t, VstIntPtr{n})), true;
+    return note(call("offlineRun", t, n)), true;
   }
   bool processVariableIo(VstVariableIo* v) override { return note(call("varIo", v)), true; }
   bool setSpeakerArrangement(VstSpeakerArrangement* i, VstSpeakerArrangement* o) override {
@@ -104,28 +102,28 @@ class LoggingEffect : public PlainEffect {
   bool getProductString(char* s) override { return note(call("getProductString", s)), true; }
   VstInt32 getVendorVersion() override { return note(call("getVendorVersion")), kAnswer; }
   VstIntPtr vendorSpecific(VstInt32 a, VstIntPtr b, void* p, float f) override {
-    return note(call("vendorSpecific", VstIntPtr{a}, b, p, f)), kAnswer;
+    return note(call("vendorSpecific", a, b, p, f)), kAnswer;
   }
   VstInt32 canDo(char* s) override { return note(call("canDo", s)), kAnswer; }
   VstInt32 getGetTailSize() override { return note(call("tail")), kAnswer; }
   bool getParameterProperties(VstInt32 i, VstParameterProperties* p) override {
-    return note(call("getParameterProperties", VstIntPtr{i}, p)), true;
+    return note(call("getParameterProperties", i, p)), true;
   }
   VstInt32 getVstVersion() override { return note(call("getVstVersion")), kAnswer; }
   VstInt32 getMidiProgramName(VstInt32 c, MidiProgramName* n) override {
-    return note(call("midiProgramName", VstIntPtr{c}, n)), kAnswer;
+    return note(call("midiProgramName", c, n)), kAnswer;
   }
   VstInt32 getCurrentMidiProgram(VstInt32 c, MidiProgramName* n) override {
-    return note(call("currentMidiProgram", VstIntPtr{c}, n)), kAnswer;
+    return note(call("currentMidiProgram", c, n)), kAnswer;
   }
   VstInt32 getMidiProgramCategory(VstInt32 c, MidiProgramCategory* n) override {
-    return note(call("midiProgramCategory", VstIntPtr{c}, n)), kAnswer;
+    return note(call("midiProgramCategory", c, n)), kAnswer;
   }
   bool hasMidiProgramsChanged(VstInt32 c) override {
-    return note(call("midiProgramsChanged", VstIntPtr{c})), true;
+    return note(call("midiProgramsChanged", c)), true;
   }
   bool getMidiKeyName(VstInt32 c, MidiKeyName* k) override {
-    return note(call("midiKeyName", VstIntPtr{c}, k)), true;
+    return note(call("midiKeyName", c, k)), true;
   }
   bool beginSetProgram() override { return note(call("beginSetProgram")), true; }
   bool endSetProgram() override { return note(call("endSetProgram")), true; }
@@ -136,11 +134,9 @@ class LoggingEffect : public PlainEffect {
   VstInt32 startProcess() override { return note(call("startProcess")), kAnswer; }
   VstInt32 stopProcess() override { return note(call("stopProcess")), kAnswer; }
   VstInt32 setTotalSampleToProcess(VstInt32 v) override {
-    return note(call("totalSamples", VstIntPtr{v})), kAnswer;
+    return note(call("totalSamples", v)), kAnswer;
   }
-  bool setPanLaw(VstInt32 t, float v) override {
-    return note(call("setPanLaw", VstIntPtr{t}, v)), true;
-  }
+  bool setPanLaw(VstInt32 t, float v) override { return note(call("setPanLaw", t, v)), true; }
   VstInt32 beginLoadBank(VstPatchChunkInfo* p) override {
     return note(call("beginLoadBank", p)), kAnswer;
   }
@@ -148,7 +144,7 @@ class LoggingEffect : public PlainEffect {
     return note(call("beginLoadProgram", p)), kAnswer;
   }
   bool setProcessPrecision(VstInt32 p) override {
-    return note(call("setProcessPrecision", VstIntPtr{p})), true;
+    return note(call("setProcessPrecision", p)), true;
   }
   VstInt32 getNumMidiInputChannels() override { return note(call("midiIn")), kAnswer; }
   VstInt32 getNumMidiOutputChannels() override { return note(call("midiOut")), kAnswer; }
@@ -343,9 +339,9 @@ struct RecordingEditor : AEffEditor {
   void idle() override { log += call("idle"); }
   bool onKeyDown(VstKeyCode& k) override { return log += key("down", k), true; }
   bool onKeyUp(VstKeyCode& k) override { return log += key("up", k), false; }
-  bool setKnobMode(VstInt32 m) override { return log += call("knob", VstIntPtr{m}), true; }
+  bool setKnobMode(VstInt32 m) override { return log += call("knob", m), true; }
   static std::string key(const char* name, const VstKeyCode& k) {
-    return call(name, VstIntPtr{k.character}, VstIntPtr{k.virt}, VstIntPtr{k.modifier});
+    return call(name, k.character, k.virt, k.modifier);
   }
 };
 
