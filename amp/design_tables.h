@@ -1,12 +1,9 @@
 // The fixed filter designs of the set-up: type number (IIRFilter), frequency in Hz, Q and gain in
 // dB for each bank. First, EQ and Final run at the host rate, Master at the oversampled rate.
 // The EQ designs hold only until the first block redesigns the tone stack.
-//
-// The oversampling low-pass H(z) = (b0 + ... + b5 z^-5) / (1 - a1 z^-1 - ... - a5 z^-5), two fixed
-// sets: one for a host rate that truncates to 48000 (factor 7), one for every other rate
-// (factor 8, its corner moving with the rate). Unity gain at 0 Hz, about -3 dB near 21.5 kHz.
 #pragma once
 
+#include "amp/oversampling.h"
 #include "amp/tarnwell.h"
 
 // 26 Hz first-order high-pass, 18 kHz first-order low-pass.
@@ -40,26 +37,4 @@ struct OutHighPassDesign {
   static constexpr double freq = 20.0;
   static constexpr double q = 1.0;
   static constexpr double gain = 0.0;
-};
-
-struct OversamplingSet {
-  VstInt32 factor;
-  double a[5];  // a1..a5
-  double b[6];  // b0..b5, symmetric
-};
-
-constexpr VstInt32 kSevenfoldRate = 48000;
-
-constexpr OversamplingSet kOversampling48000 = {
-    7,
-    {4.3340205266, -7.6863338537, 6.9585653542, -3.2117410641, 0.60412218845},
-    {7.9436823833e-05, 0.0002311408766, 0.00037284656245, 0.00037284656245, 0.0002311408766,
-     7.9436823833e-05},
-};
-
-constexpr OversamplingSet kOversamplingOther = {
-    8,
-    {4.3724453427, -7.8055159894, 7.0990889142, -3.2858647219, 0.61876405319},
-    {6.6396688505e-05, 0.00018318063956, 0.00029162325912, 0.00029162325912, 0.00018318063956,
-     6.6396688505e-05},
 };

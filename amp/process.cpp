@@ -81,54 +81,29 @@ void Tarnwell::processDoubleReplacing(double** inputs, double** outputs,
   block.trim = finite(appliedTrim) ? appliedTrim : 0.0;
   block.clip0 = clip0;
   block.clip1 = clip1;
-  block.os.load(osCoefA, osCoefB);
   copyValues(osUpState, block.up, 5);
   copyValues(osDownState, block.down, 5);
   for (int k = 0; k < 2; ++k) block.first[k].load(*firstFilters[k]);
-  for (int k = 0; k < 2; ++k) block.final[k].load(*finalFilters[k]);
+  for (int k = 0; k < 7; ++k) block.eq[k].load(*eqFilters[k]);
   block.masterStage.load(*masterFilters[0]);
+  for (int k = 0; k < 2; ++k) block.final[k].load(*finalFilters[k]);
   block.outHighPass.load(*outHighPass);
 
   // The tone stack glides over the first rampEnd samples, then runs with fixed coefficients.
   int rampEnd = 0;
   for (int k = 0; k < 7; ++k) rampEnd = std::max(rampEnd, chain::rampSamplesLeft(*eqFilters[k], n));
-  for (int k = 0; k < 7; ++k) block.eqRamp[k].load(*eqFilters[k]);
 
-  const bool sevenfold = osFactor == 7;
-  if (rampEnd > 0) {
-    if (sevenfold) {
-      block.run<true, 7>(in, out, 0, rampEnd);
-    } else {
-      block.run<true, 8>(in, out, 0, rampEnd);
-    }
-  }
-  if (rampEnd < n) {
-    // Past its ramp a filter's effective coefficients are step * pos + prev, fixed.
-    for (int k = 0; k < 7; ++k) {
-      const chain::RampSection& ramp = block.eqRamp[k];
-      double c[IIRFilter::kNumCoefs];
-      for (int j = 0; j < IIRFilter::kNumCoefs; ++j) c[j] = ramp.step[j] * ramp.pos + ramp.prev[j];
-      block.eq[k].load(*eqFilters[k], c);
-      block.eq[k].z1 = ramp.z1;
-      block.eq[k].z2 = ramp.z2;
-    }
-    if (sevenfold) {
-      block.run<false, 7>(in, out, rampEnd, n);
-    } else {
-      block.run<false, 8>(in, out, rampEnd, n);
-    }
-    for (int k = 0; k < 7; ++k) {
-      block.eqRamp[k].z1 = block.eq[k].z1;
-      block.eqRamp[k].z2 = block.eq[k].z2;
-    }
+  // The oversampling coefficients are those of the factor (set-up loads the same set).
+  if (osFactor == 7) {
+    block.run<7>(in, out, n, rampEnd);
+  } else {
+    block.run<8>(in, out, n, rampEnd);
   }
 
-  // Write back.
-  chain::Oversampler::normalise(block.up);
   copyValues(block.up, osUpState, 5);
   copyValues(block.down, osDownState, 5);
   for (int k = 0; k < 2; ++k) block.first[k].store(*firstFilters[k]);
-  for (int k = 0; k < 7; ++k) block.eqRamp[k].store(*eqFilters[k]);
+  for (int k = 0; k < 7; ++k) block.eq[k].store(*eqFilters[k]);
   block.masterStage.store(*masterFilters[0]);
   for (int k = 0; k < 2; ++k) block.final[k].store(*finalFilters[k]);
   block.outHighPass.store(*outHighPass);
