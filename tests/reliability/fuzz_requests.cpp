@@ -171,8 +171,11 @@ class Session {
       case effSetSampleRate:
         setSampleRate(opt);
         return;
+      case effGetParameterProperties:
+        // A null record is part of this request's contract; text buffers never are.
+        if (in.ConsumeBool()) ptr = nullptr;
+        break;
       default:
-        if (in.ConsumeProbability<float>() < 0.1f) ptr = nullptr;
         break;
     }
     plugin_->dispatch(opcode, index, value, ptr, opt);
