@@ -60,6 +60,22 @@ inline double lookup(const Clipper& c, double u) noexcept {
   return (next - here) * t + here;
 }
 
+// Two lookups at once, lane 0 in table c0 and lane 1 in table c1; each lane runs lookup()'s
+// operations exactly.
+inline __m128d lookupPair(const Clipper& c0, const Clipper& c1, __m128d u) noexcept {
+  const __m128d scale = _mm_set1_pd(kClipScale);
+  __m128d v = _mm_max_pd(_mm_min_pd(u, _mm_set1_pd(1.0)), _mm_set1_pd(-1.0));
+  v = _mm_and_pd(v, _mm_cmpord_pd(u, u));
+  const __m128d p = _mm_add_pd(scale, _mm_mul_pd(v, scale));
+  const __m128i i = _mm_cvttpd_epi32(p);
+  const __m128d t = _mm_sub_pd(p, _mm_cvtepi32_pd(i));
+  const __m128d pair0 = _mm_loadu_pd(&c0.table[_mm_cvtsi128_si32(i)]);
+  const __m128d pair1 = _mm_loadu_pd(&c1.table[_mm_cvtsi128_si32(_mm_srli_si128(i, 4))]);
+  const __m128d here = _mm_unpacklo_pd(pair0, pair1);
+  const __m128d next = _mm_unpackhi_pd(pair0, pair1);
+  return _mm_add_pd(_mm_mul_pd(_mm_sub_pd(next, here), t), here);
+}
+
 // One transposed direct form II section with fixed coefficients.
 struct Section {
   double b0, b1, b2, a1, a2;
@@ -157,43 +173,40 @@ inline int rampSamplesLeft(const IIRFilter& f, int n) noexcept {
   return left < n ? static_cast<int>(left) : n;
 }
 
-// The fifth-order oversampling low-pass of factor F; s[0..4] is the state.
+// The fifth-order oversampling low-pass of factor F, two at once: lane 0 is the up-filter, lane 1
+// the down-filter, each with its own state in the lanes of s[0..4]. Each lane runs
+//   y = b0 x + s0; s_k = (b_k+1 x + a_k+1 y) + s_k+1; s4 = b5 x + a5 y
+// exactly, the up-filter with x = 0 written out on the zero-stuffed sub-samples.
 template <int F>
 struct Oversampler {
   static constexpr const OversamplingSet& set = oversamplingSet<F>();
-  static constexpr double a1 = set.a[0], a2 = set.a[1], a3 = set.a[2], a4 = set.a[3], a5 = set.a[4];
-  static constexpr double b0 = set.b[0], b1 = set.b[1], b2 = set.b[2], b3 = set.b[3], b4 = set.b[4],
-                          b5 = set.b[5];
 
-  static double run(double x, double* s) noexcept {
-    const double y = b0 * x + s[0];
-    s[0] = (b1 * x + a1 * y) + s[1];
-    s[1] = (b2 * x + a2 * y) + s[2];
-    s[2] = (b3 * x + a3 * y) + s[3];
-    s[3] = (b4 * x + a4 * y) + s[4];
-    s[4] = b5 * x + a5 * y;
+  static __m128d run(__m128d x, __m128d* s) noexcept {
+    const auto a = [](int k) { return _mm_set1_pd(set.a[k - 1]); };
+    const auto b = [](int k) { return _mm_set1_pd(set.b[k]); };
+    const __m128d y = _mm_add_pd(_mm_mul_pd(b(0), x), s[0]);
+    s[0] = _mm_add_pd(_mm_add_pd(_mm_mul_pd(b(1), x), _mm_mul_pd(a(1), y)), s[1]);
+    s[1] = _mm_add_pd(_mm_add_pd(_mm_mul_pd(b(2), x), _mm_mul_pd(a(2), y)), s[2]);
+    s[2] = _mm_add_pd(_mm_add_pd(_mm_mul_pd(b(3), x), _mm_mul_pd(a(3), y)), s[3]);
+    s[3] = _mm_add_pd(_mm_add_pd(_mm_mul_pd(b(4), x), _mm_mul_pd(a(4), y)), s[4]);
+    s[4] = _mm_add_pd(_mm_mul_pd(b(5), x), _mm_mul_pd(a(5), y));
     return y;
   }
 
-  // A zero-input step without the b*0 terms: s[] then matches the plain state up to the sign of
-  // a zero; normalise() restores it exactly.
-  static double runZero(double* s) noexcept {
-    const double y = s[0];
-    s[0] = a1 * y + s[1];
-    s[1] = a2 * y + s[2];
-    s[2] = a3 * y + s[3];
-    s[3] = a4 * y + s[4];
-    s[4] = a5 * y;
+  // One step of one filter only: the other lane's state stays as it was.
+  template <int Lane>
+  static __m128d runLane(__m128d x, __m128d* s) noexcept {
+    __m128d next[5] = {s[0], s[1], s[2], s[3], s[4]};
+    const __m128d y = run(x, next);
+    for (int k = 0; k < 5; ++k) {
+      s[k] = Lane == 0 ? _mm_move_sd(s[k], next[k]) : _mm_move_sd(next[k], s[k]);
+    }
     return y;
-  }
-
-  static void normalise(double* s) noexcept {
-    for (int k = 0; k < 5; ++k) s[k] = s[k] + 0.0;
   }
 };
 
 // Host samples per chunk: the scratch between the passes lives on the stack.
-constexpr int kChunk = 64;
+constexpr int kChunk = 256;
 
 // Everything one block reads and writes, as locals.
 struct Block {
@@ -243,68 +256,81 @@ struct Block {
 
   // Oversampled section, samples [begin, end): x in, the kept down-filter outputs out.
   //
-  // Software-pipelined: each sub-sample passes five stages (S1 up-filter, S2 first shaper, S3
-  // master stage and gain, S4 second shaper, S5 down-filter), and one tick runs S1 on sub-sample
-  // j, S2 on j - 1, ... S5 on j - 4. The stages of a tick are independent, so the processor
-  // overlaps the three recursions instead of waiting out the shaper's latency; every filter still
-  // sees its sub-samples in order. The pipeline is filled at the start and drained at the end.
+  // Software-pipelined. A sub-sample passes the up-filter, the first shaper (L0), the master stage
+  // and gain (M), the second shaper (L1) and the down-filter; tick j runs the up-filter on
+  // sub-sample j, L0 on j - 1, M on j - 2, L1 on j - 4 and the down-filter on j - 6. The work of
+  // one tick is independent, so the processor overlaps the recursions instead of waiting out the
+  // shapers' latency; the two shapers share one two-lane lookup and the two filters one two-lane
+  // step, and the gaps of two ticks before L1 and before the down-filter keep those pairings off
+  // each other's path. Every filter still sees its sub-samples in order. The pipeline fills at
+  // the first host sample and drains after the last.
   template <int F>
   void oversample(const double* x, double* z, int begin, int end) noexcept {
-    static_assert(F > 4, "the kept output leaves the pipeline at tick 4 of its host sample");
+    constexpr int kDownLag = 6;
+    static_assert(F > kDownLag, "the kept output leaves the pipeline within its host sample");
     if (begin >= end) return;
     using Os = Oversampler<F>;
-    double s[5] = {up[0], up[1], up[2], up[3], up[4]};
-    double t[5] = {down[0], down[1], down[2], down[3], down[4]};
+    __m128d state[5];
+    for (int k = 0; k < 5; ++k) state[k] = _mm_set_pd(down[k], up[k]);
     Section m = masterStage;
     const Clipper& shape0 = *clip0;
     const Clipper& shape1 = *clip1;
     const double g0 = lastMaster, dg = masterStep;
 
-    // In flight: y after S1, w after S2, v after S3, u after S4.
-    double y = 0.0, w = 0.0, v = 0.0, u = 0.0;
+    // In flight: y after the up-filter, w after L0, gv1 and gv2 after M (one and two ticks old),
+    // u1 and u2 after L1 (one and two ticks old).
+    double y = 0.0, w = 0.0, gv1 = 0.0, gv2 = 0.0, u1 = 0.0, u2 = 0.0;
     double g = 0.0, gPrev = 0.0;
     double xi = 0.0;
-    bool fresh = true;  // the host sample before this one is not in the pipeline
     int i = begin;
 
-    // Tick K of host sample i (K >= F: draining after the last one).
-    const auto tick = [&]<int K>() {
-      constexpr bool kS1 = K < F;
-      if (K >= 4 || !fresh) {
-        const double out = Os::run(u, t);
-        if (K == 4) z[i - begin] = out;
+    // Tick K of host sample i; Fresh: the host sample before it is not in the pipeline. K >= F
+    // drains after the last host sample.
+    const auto tick = [&]<int K, bool Fresh>() {
+      constexpr auto active = [](int lag) { return (K >= lag || !Fresh) && K < F + lag; };
+      double w0 = w, u0 = u1;
+      if constexpr (active(1) || active(4)) {
+        const __m128d shaped = lookupPair(shape0, shape1, _mm_set_pd(gv2, y));
+        w0 = _mm_cvtsd_f64(shaped);
+        u0 = _mm_cvtsd_f64(_mm_unpackhi_pd(shaped, shaped));
       }
-      if ((K >= 3 || !fresh) && K < F + 3) u = lookup(shape1, v);
-      if ((K >= 2 || !fresh) && K < F + 2) v = m.run(w) * (K >= 2 ? g : gPrev);
-      if ((K >= 1 || !fresh) && K < F + 1) w = lookup(shape0, y);
-      if constexpr (kS1) {
-        if constexpr (K == 0) {
-          Os::normalise(s);
-          y = Os::run(xi, s);
-        } else {
-          y = Os::runZero(s);
-        }
+      double gv = 0.0;
+      if constexpr (active(2)) gv = m.run(w) * (K >= 2 ? g : gPrev);
+      const __m128d in = _mm_set_pd(u2, K == 0 ? xi : 0.0);
+      if constexpr (active(0) && active(kDownLag)) {
+        const __m128d out = Os::run(in, state);
+        y = _mm_cvtsd_f64(out);
+        if constexpr (K == kDownLag) z[i - begin] = _mm_cvtsd_f64(_mm_unpackhi_pd(out, out));
+      } else if constexpr (active(0)) {
+        y = _mm_cvtsd_f64(Os::template runLane<0>(in, state));
+      } else if constexpr (active(kDownLag)) {
+        Os::template runLane<1>(in, state);
       }
+      w = w0;
+      gv2 = gv1, gv1 = gv;
+      u2 = u1, u1 = u0;
     };
-    const auto ticks = [&]<int... K>(std::integer_sequence<int, K...>) {
-      (tick.template operator()<K>(), ...);
-    };
-
-    for (; i < end; ++i) {
+    const auto hostSample = [&]<bool Fresh, int... K>(std::integer_sequence<int, K...>) {
       gPrev = g;
       g = g0 + static_cast<double>(i) * dg;
       xi = x[i - begin];
-      ticks(std::make_integer_sequence<int, F>{});
-      fresh = false;
+      (tick.template operator()<K, Fresh>(), ...);
+    };
+
+    hostSample.template operator()<true>(std::make_integer_sequence<int, F>{});
+    for (++i; i < end; ++i) {
+      hostSample.template operator()<false>(std::make_integer_sequence<int, F>{});
     }
     --i;
     [&]<int... D>(std::integer_sequence<int, D...>) {
-      (tick.template operator()<F + D>(), ...);
+      (tick.template operator()<F + D, false>(), ...);
     }
-    (std::make_integer_sequence<int, 4>{});
+    (std::make_integer_sequence<int, kDownLag + 1>{});
 
-    Os::normalise(s);
-    for (int k = 0; k < 5; ++k) up[k] = s[k], down[k] = t[k];
+    for (int k = 0; k < 5; ++k) {
+      up[k] = _mm_cvtsd_f64(state[k]);
+      down[k] = _mm_cvtsd_f64(_mm_unpackhi_pd(state[k], state[k]));
+    }
     masterStage = m;
   }
 
