@@ -19,7 +19,7 @@ test: build
 	@ctest --preset $(PRESET)
 
 demo: build
-	@$(BUILD_DIR)/tarnwell demo
+	@$(BUILD_DIR)/tarnwell demo out
 
 bench: build
 	@for b in $(BUILD_DIR)/bench/*_bench; do $$b; done
