@@ -62,7 +62,8 @@ inline double lookup(const Clipper& c, double u) noexcept {
 
 // Two lookups at once, lane 0 in table c0 and lane 1 in table c1; each lane runs lookup()'s
 // operations exactly.
-inline __m128d lookupPair(const Clipper& c0, const Clipper& c1, __m128d u) noexcept {
+[[gnu::always_inline]] inline __m128d lookupPair(const Clipper& c0, const Clipper& c1,
+                                                 __m128d u) noexcept {
   const __m128d scale = _mm_set1_pd(kClipScale);
   __m128d v = _mm_max_pd(_mm_min_pd(u, _mm_set1_pd(1.0)), _mm_set1_pd(-1.0));
   v = _mm_and_pd(v, _mm_cmpord_pd(u, u));
@@ -181,7 +182,7 @@ template <int F>
 struct Oversampler {
   static constexpr const OversamplingSet& set = oversamplingSet<F>();
 
-  static __m128d run(__m128d x, __m128d* s) noexcept {
+  [[gnu::always_inline]] static __m128d run(__m128d x, __m128d* s) noexcept {
     const auto a = [](int k) { return _mm_set1_pd(set.a[k - 1]); };
     const auto b = [](int k) { return _mm_set1_pd(set.b[k]); };
     const __m128d y = _mm_add_pd(_mm_mul_pd(b(0), x), s[0]);
@@ -195,7 +196,7 @@ struct Oversampler {
 
   // One step of one filter only: the other lane's state stays as it was.
   template <int Lane>
-  static __m128d runLane(__m128d x, __m128d* s) noexcept {
+  [[gnu::always_inline]] static __m128d runLane(__m128d x, __m128d* s) noexcept {
     __m128d next[5] = {s[0], s[1], s[2], s[3], s[4]};
     const __m128d y = run(x, next);
     for (int k = 0; k < 5; ++k) {
@@ -257,17 +258,22 @@ struct Block {
   // Oversampled section, samples [begin, end): x in, the kept down-filter outputs out.
   //
   // Software-pipelined. A sub-sample passes the up-filter, the first shaper (L0), the master stage
-  // and gain (M), the second shaper (L1) and the down-filter; tick j runs the up-filter on
-  // sub-sample j, L0 on j - 1, M on j - 2, L1 on j - 4 and the down-filter on j - 6. The work of
-  // one tick is independent, so the processor overlaps the recursions instead of waiting out the
-  // shapers' latency; the two shapers share one two-lane lookup and the two filters one two-lane
-  // step, and the gaps of two ticks before L1 and before the down-filter keep those pairings off
-  // each other's path. Every filter still sees its sub-samples in order. The pipeline fills at
-  // the first host sample and drains after the last.
+  // and gain (M), the second shaper (L1) and the down-filter; one tick runs each stage on its own
+  // sub-sample, later stages on older ones (lags below). The work of a tick is independent, so the
+  // processor overlaps the recursions instead of waiting out the shapers' latency. The two shapers
+  // share one two-lane lookup and the two filters one two-lane step; the extra ticks a value waits
+  // before L1 and before the down-filter keep those pairings from chaining the stages into one
+  // slow loop. Every filter still sees its sub-samples in order. The pipeline fills at the first
+  // host sample and drains after the last.
   template <int F>
   void oversample(const double* x, double* z, int begin, int end) noexcept {
-    constexpr int kDownLag = 6;
-    static_assert(F > kDownLag, "the kept output leaves the pipeline within its host sample");
+    constexpr int kWaitGain = 3;  // ticks from M to L1
+    constexpr int kWaitDown = 4;  // ticks from L1 to the down-filter
+    constexpr int kLagM = 2;
+    constexpr int kLagL1 = kLagM + kWaitGain;
+    constexpr int kLagDown = kLagL1 + kWaitDown;
+    static_assert(kLagDown >= F && kLagDown < 2 * F,
+                  "the kept output leaves at the next host sample");
     if (begin >= end) return;
     using Os = Oversampler<F>;
     __m128d state[5];
@@ -277,55 +283,74 @@ struct Block {
     const Clipper& shape1 = *clip1;
     const double g0 = lastMaster, dg = masterStep;
 
-    // In flight: y after the up-filter, w after L0, gv1 and gv2 after M (one and two ticks old),
-    // u1 and u2 after L1 (one and two ticks old).
-    double y = 0.0, w = 0.0, gv1 = 0.0, gv2 = 0.0, u1 = 0.0, u2 = 0.0;
+    // In flight: y after the up-filter, w after L0, gv[] after M, u[] after L1 (newest first).
+    double y = 0.0, w = 0.0;
+    double gv[kWaitGain] = {}, u[kWaitDown] = {};
     double g = 0.0, gPrev = 0.0;
     double xi = 0.0;
     int i = begin;
 
-    // Tick K of host sample i; Fresh: the host sample before it is not in the pipeline. K >= F
-    // drains after the last host sample.
-    const auto tick = [&]<int K, bool Fresh>() {
-      constexpr auto active = [](int lag) { return (K >= lag || !Fresh) && K < F + lag; };
-      double w0 = w, u0 = u1;
-      if constexpr (active(1) || active(4)) {
-        const __m128d shaped = lookupPair(shape0, shape1, _mm_set_pd(gv2, y));
+    // Tick K of host sample i, the chunk's host sample number Age (counted up to 2, which covers
+    // every lag); a stage runs when its sub-sample lies in the chunk. K >= F drains after the last
+    // host sample.
+    const auto tick = [&]<int K, int Age>() __attribute__((always_inline)) {
+      constexpr auto active = [](int lag) { return Age * F + K >= lag && K < F + lag; };
+      double w0 = w, u0 = u[0];
+      if constexpr (active(1) || active(kLagL1)) {
+        const __m128d shaped = lookupPair(shape0, shape1, _mm_set_pd(gv[kWaitGain - 1], y));
         w0 = _mm_cvtsd_f64(shaped);
         u0 = _mm_cvtsd_f64(_mm_unpackhi_pd(shaped, shaped));
       }
-      double gv = 0.0;
-      if constexpr (active(2)) gv = m.run(w) * (K >= 2 ? g : gPrev);
-      const __m128d in = _mm_set_pd(u2, K == 0 ? xi : 0.0);
-      if constexpr (active(0) && active(kDownLag)) {
+      double gvNew = 0.0;
+      if constexpr (active(kLagM)) gvNew = m.run(w) * (K >= kLagM ? g : gPrev);
+      const __m128d in = _mm_set_pd(u[kWaitDown - 1], K == 0 ? xi : 0.0);
+      if constexpr (active(0) && active(kLagDown)) {
         const __m128d out = Os::run(in, state);
         y = _mm_cvtsd_f64(out);
-        if constexpr (K == kDownLag) z[i - begin] = _mm_cvtsd_f64(_mm_unpackhi_pd(out, out));
+        // The down-filter's sub-sample is the first of host sample i - 1 (i in the drain).
+        if constexpr (K == kLagDown - F)
+          z[i - 1 - begin] = _mm_cvtsd_f64(_mm_unpackhi_pd(out, out));
       } else if constexpr (active(0)) {
         y = _mm_cvtsd_f64(Os::template runLane<0>(in, state));
-      } else if constexpr (active(kDownLag)) {
-        Os::template runLane<1>(in, state);
+      } else if constexpr (active(kLagDown)) {
+        const __m128d out = Os::template runLane<1>(in, state);
+        if constexpr (K == kLagDown) z[i - begin] = _mm_cvtsd_f64(_mm_unpackhi_pd(out, out));
       }
       w = w0;
-      gv2 = gv1, gv1 = gv;
-      u2 = u1, u1 = u0;
+      for (int k = kWaitGain - 1; k > 0; --k) gv[k] = gv[k - 1];
+      gv[0] = gvNew;
+      for (int k = kWaitDown - 1; k > 0; --k) u[k] = u[k - 1];
+      u[0] = u0;
     };
-    const auto hostSample = [&]<bool Fresh, int... K>(std::integer_sequence<int, K...>) {
+    const auto hostSample = [&]<int Age, int... K>(std::integer_sequence<int, K...>)
+        __attribute__((always_inline)) {
       gPrev = g;
       g = g0 + static_cast<double>(i) * dg;
       xi = x[i - begin];
-      (tick.template operator()<K, Fresh>(), ...);
+      (tick.template operator()<K, Age>(), ...);
     };
+    const auto drain = [&]<int Age, int... D>(std::integer_sequence<int, D...>)
+        __attribute__((always_inline)) {
+      (tick.template operator()<F + D, Age>(), ...);
+    };
+    constexpr auto kTicks = std::make_integer_sequence<int, F>{};
+    constexpr auto kDrainTicks = std::make_integer_sequence<int, kLagDown>{};
 
-    hostSample.template operator()<true>(std::make_integer_sequence<int, F>{});
-    for (++i; i < end; ++i) {
-      hostSample.template operator()<false>(std::make_integer_sequence<int, F>{});
+    hostSample.template operator()<0>(kTicks);
+    if (++i < end) hostSample.template operator()<1>(kTicks);
+    for (++i; i < end; ++i) hostSample.template operator()<2>(kTicks);
+    i = end - 1;
+    switch (end - begin) {
+      case 1:
+        drain.template operator()<0>(kDrainTicks);
+        break;
+      case 2:
+        drain.template operator()<1>(kDrainTicks);
+        break;
+      default:
+        drain.template operator()<2>(kDrainTicks);
+        break;
     }
-    --i;
-    [&]<int... D>(std::integer_sequence<int, D...>) {
-      (tick.template operator()<F + D, false>(), ...);
-    }
-    (std::make_integer_sequence<int, kDownLag + 1>{});
 
     for (int k = 0; k < 5; ++k) {
       up[k] = _mm_cvtsd_f64(state[k]);

@@ -45,9 +45,11 @@ void BM_Amp(benchmark::State& state) {
   }
 
   const double samples = static_cast<double>(state.iterations()) * block;
-  state.counters["ns_per_sample"] =
-      benchmark::Counter(samples * 1e-9, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
-  state.counters["realtime_x"] = benchmark::Counter(samples / rate, benchmark::Counter::kIsRate);
+  // CPU time per host sample (printed in ns) and seconds of audio per second of CPU.
+  state.counters["per_sample"] =
+      benchmark::Counter(samples, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+  state.counters["realtime_factor"] =
+      benchmark::Counter(samples / rate, benchmark::Counter::kIsRate);
   state.SetItemsProcessed(static_cast<int64_t>(samples));
 
   record->dispatcher(record, effClose, 0, 0, nullptr, 0.0f);
