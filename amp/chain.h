@@ -167,6 +167,88 @@ struct RampSection {
   }
 };
 
+// Two sections of a cascade in the two lanes of one register: lane 0 runs the first on sample n
+// while lane 1 runs the second on sample n - 1, the first one's previous output. Each lane runs
+// Section::run's operations exactly.
+struct SectionPair {
+  __m128d b0, b1, b2, a1, a2, z1, z2;
+  double held;  // lane 0's last output: lane 1's next input
+
+  void load(const Section& first, const Section& second) noexcept {
+    b0 = _mm_set_pd(second.b0, first.b0);
+    b1 = _mm_set_pd(second.b1, first.b1);
+    b2 = _mm_set_pd(second.b2, first.b2);
+    a1 = _mm_set_pd(second.a1, first.a1);
+    a2 = _mm_set_pd(second.a2, first.a2);
+    z1 = _mm_set_pd(second.z1, first.z1);
+    z2 = _mm_set_pd(second.z2, first.z2);
+    held = 0.0;
+  }
+  void store(Section& first, Section& second) const noexcept {
+    first.z1 = _mm_cvtsd_f64(z1);
+    first.z2 = _mm_cvtsd_f64(z2);
+    second.z1 = _mm_cvtsd_f64(_mm_unpackhi_pd(z1, z1));
+    second.z2 = _mm_cvtsd_f64(_mm_unpackhi_pd(z2, z2));
+  }
+
+  [[gnu::always_inline]] __m128d step(__m128d x) noexcept {
+    const __m128d y = _mm_add_pd(_mm_mul_pd(b0, x), z1);
+    z1 = _mm_add_pd(_mm_add_pd(_mm_mul_pd(b1, x), z2), _mm_mul_pd(a1, y));
+    z2 = _mm_add_pd(_mm_mul_pd(b2, x), _mm_mul_pd(a2, y));
+    return y;
+  }
+
+  // Both lanes on real samples: x in, the second section's output out.
+  [[gnu::always_inline]] double run(double x) noexcept {
+    const __m128d y = step(_mm_set_pd(held, x));
+    held = _mm_cvtsd_f64(y);
+    return _mm_cvtsd_f64(_mm_unpackhi_pd(y, y));
+  }
+
+  // Filling or draining the cascade: a lane without a sample keeps its state.
+  double runMasked(double x, bool firstActive, bool secondActive) noexcept {
+    const __m128d z1Before = z1, z2Before = z2;
+    const __m128d y = step(_mm_set_pd(held, firstActive ? x : 0.0));
+    if (!firstActive) z1 = _mm_move_sd(z1, z1Before), z2 = _mm_move_sd(z2, z2Before);
+    if (!secondActive) z1 = _mm_move_sd(z1Before, z1), z2 = _mm_move_sd(z2Before, z2);
+    if (firstActive) held = _mm_cvtsd_f64(y);
+    return _mm_cvtsd_f64(_mm_unpackhi_pd(y, y));
+  }
+};
+
+// A cascade of sections run pairwise: Pairs two-lane pairs, then Tail single sections. A sample
+// leaves the pairs Pairs steps after it entered; fill and drain mask the lanes without a sample.
+template <int Pairs, int Tail>
+struct Cascade {
+  SectionPair pair[Pairs];
+  Section tail[Tail];
+
+  // Runs samples 0..n-1 of in; done(j, v) receives sample j's output.
+  template <typename Done>
+  [[gnu::always_inline]] void run(const double* in, int n, Done done) noexcept {
+    const auto finish = [&](int j, double v) __attribute__((always_inline)) {
+      for (int k = 0; k < Tail; ++k) v = tail[k].run(v);
+      done(j, v);
+    };
+    const auto masked = [&](int s) {
+      double v = s < n ? in[s] : 0.0;
+      for (int k = 0; k < Pairs; ++k) {
+        v = pair[k].runMasked(v, s - k >= 0 && s - k < n, s - k - 1 >= 0 && s - k - 1 < n);
+      }
+      if (s - Pairs >= 0 && s - Pairs < n) finish(s - Pairs, v);
+    };
+    const int filled = Pairs < n ? Pairs : n;
+    int s = 0;
+    for (; s < filled; ++s) masked(s);
+    for (; s < n; ++s) {
+      double v = in[s];
+      for (int k = 0; k < Pairs; ++k) v = pair[k].run(v);
+      finish(s - Pairs, v);
+    }
+    for (; s < n + Pairs; ++s) masked(s);
+  }
+};
+
 // Samples of the block, from the start, on which the filter's ramp is still moving.
 inline int rampSamplesLeft(const IIRFilter& f, int n) noexcept {
   if (!(f.rampPos <= f.rampLen)) return 0;
@@ -225,34 +307,38 @@ struct Block {
   double trim;
 
   // Input stage, samples [begin, end): First, the tone stack (gliding or settled), VOLUME.
-  template <bool Ramping>
-  void input(const double* in, double* x, int begin, int end) noexcept {
+  void inputRamping(const double* in, double* x, int begin, int end) noexcept {
     Section f0 = first[0], f1 = first[1];
     RampSection ramps[7];
-    Section bands[7];
-    for (int k = 0; k < 7; ++k) {
-      if (Ramping) {
-        ramps[k] = eq[k];
-      } else {
-        bands[k] = eq[k].settled();
-      }
-    }
+    for (int k = 0; k < 7; ++k) ramps[k] = eq[k];
     const double v0 = lastVolume, dv = volumeStep;
     for (int i = begin; i < end; ++i) {
       const double c = i;
       double s = f1.run(f0.run(in[i]));
-      for (int k = 0; k < 7; ++k) s = Ramping ? ramps[k].run(s) : bands[k].run(s);
+      for (int k = 0; k < 7; ++k) s = ramps[k].run(s);
       x[i - begin] = (c * dv + v0) * s;
     }
     first[0] = f0, first[1] = f1;
-    for (int k = 0; k < 7; ++k) {
-      if (Ramping) {
-        eq[k] = ramps[k];
-      } else {
-        eq[k].z1 = bands[k].z1;
-        eq[k].z2 = bands[k].z2;
-      }
-    }
+    for (int k = 0; k < 7; ++k) eq[k] = ramps[k];
+  }
+
+  void inputSettled(const double* in, double* x, int begin, int end) noexcept {
+    Section bands[7];
+    for (int k = 0; k < 7; ++k) bands[k] = eq[k].settled();
+    Cascade<4, 1> cascade;
+    cascade.pair[0].load(first[0], first[1]);
+    for (int k = 0; k < 3; ++k) cascade.pair[k + 1].load(bands[2 * k], bands[2 * k + 1]);
+    cascade.tail[0] = bands[6];
+    const double v0 = lastVolume, dv = volumeStep;
+    cascade.run(
+        in + begin, end - begin, [&](int j, double v) __attribute__((always_inline)) {
+          const double c = begin + j;
+          x[j] = (c * dv + v0) * v;
+        });
+    cascade.pair[0].store(first[0], first[1]);
+    for (int k = 0; k < 3; ++k) cascade.pair[k + 1].store(bands[2 * k], bands[2 * k + 1]);
+    bands[6] = cascade.tail[0];
+    for (int k = 0; k < 7; ++k) eq[k].z1 = bands[k].z1, eq[k].z2 = bands[k].z2;
   }
 
   // Oversampled section, samples [begin, end): x in, the kept down-filter outputs out.
@@ -361,10 +447,16 @@ struct Block {
 
   // Output stage, samples [begin, end): Final, the 20 Hz high-pass, trim.
   void output(const double* z, double* out, int begin, int end) noexcept {
-    Section f0 = final[0], f1 = final[1], hp = outHighPass;
+    Cascade<1, 1> cascade;
+    cascade.pair[0].load(final[0], final[1]);
+    cascade.tail[0] = outHighPass;
     const double gain = trim;
-    for (int i = begin; i < end; ++i) out[i] = hp.run(f1.run(f0.run(z[i - begin]))) * gain;
-    final[0] = f0, final[1] = f1, outHighPass = hp;
+    cascade.run(
+        z, end - begin, [&](int j, double v) __attribute__((always_inline)) {
+          out[begin + j] = v * gain;
+        });
+    cascade.pair[0].store(final[0], final[1]);
+    outHighPass = cascade.tail[0];
   }
 
   // Samples [0, n); the tone stack glides over the first rampEnd of them.
@@ -375,8 +467,8 @@ struct Block {
     for (int begin = 0; begin < n; begin += kChunk) {
       const int end = n - begin < kChunk ? n : begin + kChunk;
       const int split = rampEnd < begin ? begin : rampEnd < end ? rampEnd : end;
-      if (split > begin) input<true>(in, x, begin, split);
-      if (split < end) input<false>(in, x + (split - begin), split, end);
+      if (split > begin) inputRamping(in, x, begin, split);
+      if (split < end) inputSettled(in, x + (split - begin), split, end);
       oversample<F>(x, z, begin, end);
       output(z, out, begin, end);
     }
