@@ -7,286 +7,31 @@
 //   osFactor sub-samples, input x then zeros:  y = Up(x_s); u = clip1(g * Master(clip0(y)));
 //   z_s = Down(u)  (only z_0 is kept)
 //   out[i] = OutHP(Final(z_0)) * trim
-// Up and Down share H(z) = (b0 + ... + b5 z^-5) / (1 - a1 z^-1 - ... - a5 z^-5), run in transposed
-// direct form II: y = b0 x + s0; s_k = (b_k+1 x + a_k+1 y) + s_k+1; s4 = b5 x + a5 y.
 //
 // The block runs in chunks, each in three passes: the host-rate input stage for the whole chunk,
-// then the oversampled section, then the output stage. The passes touch disjoint state, so every
-// filter still sees its samples in order, and each pass is a short loop whose iterations the
-// processor overlaps. All inputs of a chunk are read before any of its outputs is written.
+// the oversampled section, then the output stage. Within a pass independent filters run side by
+// side (two per register, or a few sub-samples apart in a software pipeline), so the processor
+// overlaps their short recursions. All inputs of a chunk are read before any of its outputs is
+// written.
 //
-// Every operation, its order and its operands are those of the plain chain, so the output is
-// bit for bit the same. Two rewrites keep that:
-// - On a zero-input sub-sample the plain up-filter adds b*0 = +0 to each term, which only turns a
-//   -0 into +0. Those additions are dropped (states then equal the plain ones up to the sign of a
-//   zero) and done once, as "+ 0.0", before the next sub-sample that carries input; the waveshaper
-//   reads -0 and +0 alike.
-// - The oversampling coefficients are the compile-time set of the factor; as b4 = b1 etc., equal
-//   products are formed once.
+// Every filter still sees its samples in order, and each value is formed by the operations of the
+// plain chain on the same operands in the same order (a register lane runs the scalar IEEE
+// operation), so the output is bit for bit the same. The oversampling coefficients are the
+// compile-time set of the factor, the set the set-up stores in osCoefA and osCoefB.
 //
 // Audio thread only; allocation-free, no call, no lock.
 #pragma once
 
 #include <emmintrin.h>
 
-#include <cstddef>
 #include <utility>
 
-#include "amp/oversampling.h"
+#include "amp/chain_sections.h"
+#include "amp/oversampler.h"
+#include "amp/shaper_lookup.h"
 #include "dsp/clipper.h"
-#include "dsp/iirfilter.h"
 
 namespace chain {
-
-// clipLookup without branches: the clamp is a min and a max, NaN reads as 0, and an entry and
-// its right-hand neighbour come in one 16-byte load (for the last entry that neighbour is the
-// record's guard, as in clipLookup). The scale of a built table is kClipScale.
-static_assert(offsetof(Clipper, guard) == offsetof(Clipper, table) + kClipSize * sizeof(double),
-              "the guard is the right-hand neighbour of the last entry");
-
-inline double lookup(const Clipper& c, double u) noexcept {
-  // minsd/maxsd keep every in-range value, -0 included, exactly; NaN is masked to +0.
-  const __m128d x = _mm_set_sd(u);
-  __m128d clamped = _mm_max_sd(_mm_min_sd(x, _mm_set_sd(1.0)), _mm_set_sd(-1.0));
-  clamped = _mm_and_pd(clamped, _mm_cmpord_sd(x, x));
-  const double v = _mm_cvtsd_f64(clamped);
-  const double p = kClipScale + v * kClipScale;
-  const int i = _mm_cvttsd_si32(_mm_set_sd(p));
-  const double t = p - i;
-  // table[i] and table[i + 1] (or guard): both inside the record.
-  const __m128d pair = _mm_loadu_pd(&c.table[i]);
-  const double here = _mm_cvtsd_f64(pair);
-  const double next = _mm_cvtsd_f64(_mm_unpackhi_pd(pair, pair));
-  return (next - here) * t + here;
-}
-
-// Two lookups at once, lane 0 in table c0 and lane 1 in table c1; each lane runs lookup()'s
-// operations exactly.
-[[gnu::always_inline]] inline __m128d lookupPair(const Clipper& c0, const Clipper& c1,
-                                                 __m128d u) noexcept {
-  const __m128d scale = _mm_set1_pd(kClipScale);
-  __m128d v = _mm_max_pd(_mm_min_pd(u, _mm_set1_pd(1.0)), _mm_set1_pd(-1.0));
-  v = _mm_and_pd(v, _mm_cmpord_pd(u, u));
-  const __m128d p = _mm_add_pd(scale, _mm_mul_pd(v, scale));
-  const __m128i i = _mm_cvttpd_epi32(p);
-  const __m128d t = _mm_sub_pd(p, _mm_cvtepi32_pd(i));
-  const __m128d pair0 = _mm_loadu_pd(&c0.table[_mm_cvtsi128_si32(i)]);
-  const __m128d pair1 = _mm_loadu_pd(&c1.table[_mm_cvtsi128_si32(_mm_srli_si128(i, 4))]);
-  const __m128d here = _mm_unpacklo_pd(pair0, pair1);
-  const __m128d next = _mm_unpackhi_pd(pair0, pair1);
-  return _mm_add_pd(_mm_mul_pd(_mm_sub_pd(next, here), t), here);
-}
-
-// One transposed direct form II section with fixed coefficients.
-struct Section {
-  double b0, b1, b2, a1, a2;
-  double z1, z2;
-
-  void load(const IIRFilter& f, const double* c) noexcept {
-    b0 = c[IIRFilter::kB0];
-    b1 = c[IIRFilter::kB1];
-    b2 = c[IIRFilter::kB2];
-    a1 = c[IIRFilter::kA1];
-    a2 = c[IIRFilter::kA2];
-    z1 = f.z1;
-    z2 = f.z2;
-  }
-  void load(const IIRFilter& f) noexcept { load(f, f.coef); }
-  void store(IIRFilter& f) const noexcept {
-    f.z1 = z1;
-    f.z2 = z2;
-  }
-
-  double run(double x) noexcept {
-    const double y = b0 * x + z1;
-    z1 = (b1 * x + z2) + a1 * y;
-    z2 = b2 * x + a2 * y;
-    return y;
-  }
-};
-
-// A section whose coefficients glide: effective c = step * pos + prev, then the ramp advances
-// (on its last position it lands exactly on the design).
-struct RampSection {
-  double coef[IIRFilter::kNumCoefs];
-  double prev[IIRFilter::kNumCoefs];
-  double step[IIRFilter::kNumCoefs];
-  double pos, len;
-  double z1, z2;
-
-  void load(const IIRFilter& f) noexcept {
-    for (int k = 0; k < IIRFilter::kNumCoefs; ++k) {
-      coef[k] = f.coef[k];
-      prev[k] = f.prevCoef[k];
-      step[k] = f.stepCoef[k];
-    }
-    pos = f.rampPos;
-    len = f.rampLen;
-    z1 = f.z1;
-    z2 = f.z2;
-  }
-  void store(IIRFilter& f) const noexcept {
-    for (int k = 0; k < IIRFilter::kNumCoefs; ++k) {
-      f.prevCoef[k] = prev[k];
-      f.stepCoef[k] = step[k];
-    }
-    f.rampPos = pos;
-    f.z1 = z1;
-    f.z2 = z2;
-  }
-
-  // The fixed section it amounts to once the ramp is over: c = step * pos + prev.
-  Section settled() const noexcept {
-    Section s;
-    s.b0 = step[IIRFilter::kB0] * pos + prev[IIRFilter::kB0];
-    s.b1 = step[IIRFilter::kB1] * pos + prev[IIRFilter::kB1];
-    s.b2 = step[IIRFilter::kB2] * pos + prev[IIRFilter::kB2];
-    s.a1 = step[IIRFilter::kA1] * pos + prev[IIRFilter::kA1];
-    s.a2 = step[IIRFilter::kA2] * pos + prev[IIRFilter::kA2];
-    s.z1 = z1;
-    s.z2 = z2;
-    return s;
-  }
-
-  double run(double x) noexcept {
-    double c[IIRFilter::kNumCoefs];
-    for (int k = 0; k < IIRFilter::kNumCoefs; ++k) c[k] = step[k] * pos + prev[k];
-    const double y = c[IIRFilter::kB0] * x + z1;
-    z1 = (c[IIRFilter::kB1] * x + z2) + c[IIRFilter::kA1] * y;
-    z2 = c[IIRFilter::kB2] * x + c[IIRFilter::kA2] * y;
-    if (pos == len) {
-      for (int k = 0; k < IIRFilter::kNumCoefs; ++k) {
-        prev[k] = coef[k];
-        step[k] = 0.0;
-      }
-      pos = pos + 1.0;
-    } else if (len > pos) {
-      pos = pos + 1.0;
-    }
-    return y;
-  }
-};
-
-// Two sections of a cascade in the two lanes of one register: lane 0 runs the first on sample n
-// while lane 1 runs the second on sample n - 1, the first one's previous output. Each lane runs
-// Section::run's operations exactly.
-struct SectionPair {
-  __m128d b0, b1, b2, a1, a2, z1, z2;
-  double held;  // lane 0's last output: lane 1's next input
-
-  void load(const Section& first, const Section& second) noexcept {
-    b0 = _mm_set_pd(second.b0, first.b0);
-    b1 = _mm_set_pd(second.b1, first.b1);
-    b2 = _mm_set_pd(second.b2, first.b2);
-    a1 = _mm_set_pd(second.a1, first.a1);
-    a2 = _mm_set_pd(second.a2, first.a2);
-    z1 = _mm_set_pd(second.z1, first.z1);
-    z2 = _mm_set_pd(second.z2, first.z2);
-    held = 0.0;
-  }
-  void store(Section& first, Section& second) const noexcept {
-    first.z1 = _mm_cvtsd_f64(z1);
-    first.z2 = _mm_cvtsd_f64(z2);
-    second.z1 = _mm_cvtsd_f64(_mm_unpackhi_pd(z1, z1));
-    second.z2 = _mm_cvtsd_f64(_mm_unpackhi_pd(z2, z2));
-  }
-
-  [[gnu::always_inline]] __m128d step(__m128d x) noexcept {
-    const __m128d y = _mm_add_pd(_mm_mul_pd(b0, x), z1);
-    z1 = _mm_add_pd(_mm_add_pd(_mm_mul_pd(b1, x), z2), _mm_mul_pd(a1, y));
-    z2 = _mm_add_pd(_mm_mul_pd(b2, x), _mm_mul_pd(a2, y));
-    return y;
-  }
-
-  // Both lanes on real samples: x in, the second section's output out.
-  [[gnu::always_inline]] double run(double x) noexcept {
-    const __m128d y = step(_mm_set_pd(held, x));
-    held = _mm_cvtsd_f64(y);
-    return _mm_cvtsd_f64(_mm_unpackhi_pd(y, y));
-  }
-
-  // Filling or draining the cascade: a lane without a sample keeps its state.
-  double runMasked(double x, bool firstActive, bool secondActive) noexcept {
-    const __m128d z1Before = z1, z2Before = z2;
-    const __m128d y = step(_mm_set_pd(held, firstActive ? x : 0.0));
-    if (!firstActive) z1 = _mm_move_sd(z1, z1Before), z2 = _mm_move_sd(z2, z2Before);
-    if (!secondActive) z1 = _mm_move_sd(z1Before, z1), z2 = _mm_move_sd(z2Before, z2);
-    if (firstActive) held = _mm_cvtsd_f64(y);
-    return _mm_cvtsd_f64(_mm_unpackhi_pd(y, y));
-  }
-};
-
-// A cascade of sections run pairwise: Pairs two-lane pairs, then Tail single sections. A sample
-// leaves the pairs Pairs steps after it entered; fill and drain mask the lanes without a sample.
-template <int Pairs, int Tail>
-struct Cascade {
-  SectionPair pair[Pairs];
-  Section tail[Tail];
-
-  // Runs samples 0..n-1 of in; done(j, v) receives sample j's output.
-  template <typename Done>
-  [[gnu::always_inline]] void run(const double* in, int n, Done done) noexcept {
-    const auto finish = [&](int j, double v) __attribute__((always_inline)) {
-      for (int k = 0; k < Tail; ++k) v = tail[k].run(v);
-      done(j, v);
-    };
-    const auto masked = [&](int s) {
-      double v = s < n ? in[s] : 0.0;
-      for (int k = 0; k < Pairs; ++k) {
-        v = pair[k].runMasked(v, s - k >= 0 && s - k < n, s - k - 1 >= 0 && s - k - 1 < n);
-      }
-      if (s - Pairs >= 0 && s - Pairs < n) finish(s - Pairs, v);
-    };
-    const int filled = Pairs < n ? Pairs : n;
-    int s = 0;
-    for (; s < filled; ++s) masked(s);
-    for (; s < n; ++s) {
-      double v = in[s];
-      for (int k = 0; k < Pairs; ++k) v = pair[k].run(v);
-      finish(s - Pairs, v);
-    }
-    for (; s < n + Pairs; ++s) masked(s);
-  }
-};
-
-// Samples of the block, from the start, on which the filter's ramp is still moving.
-inline int rampSamplesLeft(const IIRFilter& f, int n) noexcept {
-  if (!(f.rampPos <= f.rampLen)) return 0;
-  const double left = f.rampLen - f.rampPos + 1.0;
-  return left < n ? static_cast<int>(left) : n;
-}
-
-// The fifth-order oversampling low-pass of factor F, two at once: lane 0 is the up-filter, lane 1
-// the down-filter, each with its own state in the lanes of s[0..4]. Each lane runs
-//   y = b0 x + s0; s_k = (b_k+1 x + a_k+1 y) + s_k+1; s4 = b5 x + a5 y
-// exactly, the up-filter with x = 0 written out on the zero-stuffed sub-samples.
-template <int F>
-struct Oversampler {
-  static constexpr const OversamplingSet& set = oversamplingSet<F>();
-
-  [[gnu::always_inline]] static __m128d run(__m128d x, __m128d* s) noexcept {
-    const auto a = [](int k) { return _mm_set1_pd(set.a[k - 1]); };
-    const auto b = [](int k) { return _mm_set1_pd(set.b[k]); };
-    const __m128d y = _mm_add_pd(_mm_mul_pd(b(0), x), s[0]);
-    s[0] = _mm_add_pd(_mm_add_pd(_mm_mul_pd(b(1), x), _mm_mul_pd(a(1), y)), s[1]);
-    s[1] = _mm_add_pd(_mm_add_pd(_mm_mul_pd(b(2), x), _mm_mul_pd(a(2), y)), s[2]);
-    s[2] = _mm_add_pd(_mm_add_pd(_mm_mul_pd(b(3), x), _mm_mul_pd(a(3), y)), s[3]);
-    s[3] = _mm_add_pd(_mm_add_pd(_mm_mul_pd(b(4), x), _mm_mul_pd(a(4), y)), s[4]);
-    s[4] = _mm_add_pd(_mm_mul_pd(b(5), x), _mm_mul_pd(a(5), y));
-    return y;
-  }
-
-  // One step of one filter only: the other lane's state stays as it was.
-  template <int Lane>
-  [[gnu::always_inline]] static __m128d runLane(__m128d x, __m128d* s) noexcept {
-    __m128d next[5] = {s[0], s[1], s[2], s[3], s[4]};
-    const __m128d y = run(x, next);
-    for (int k = 0; k < 5; ++k) {
-      s[k] = Lane == 0 ? _mm_move_sd(s[k], next[k]) : _mm_move_sd(next[k], s[k]);
-    }
-    return y;
-  }
-};
 
 // Host samples per chunk: the scratch between the passes lives on the stack.
 constexpr int kChunk = 256;
