@@ -41,7 +41,10 @@ bool Tarnwell::buildClipTables(double F) {
   return true;
 }
 
-void Tarnwell::useClipTablesFor(double rate, double F) {
+bool Tarnwell::useClipTablesFor(double rate, double F) {
   std::lock_guard<std::mutex> lock(builderLock());
-  if (rate != clipSampleRate && buildClipTables(F)) clipSampleRate = rate;
+  if (rate == clipSampleRate) return true;
+  if (!buildClipTables(F)) return false;
+  clipSampleRate = rate;
+  return true;
 }

@@ -70,7 +70,7 @@ void Tarnwell::setSampleRate(float sampleRate) {
                                   OutHighPassDesign::q, OutHighPassDesign::gain, r);
   parts.buffer = new (std::nothrow) double[os.factor]();
   // Out of memory: the old state stays whole and the rate is not taken, so a retry rebuilds.
-  if (!parts.complete()) return;
+  if (!parts.complete() || !useClipTablesFor(r, factorD)) return;
 
   curSampleRate = r;
   intSampleRate = newIntRate;
@@ -81,7 +81,6 @@ void Tarnwell::setSampleRate(float sampleRate) {
   appliedTrim = trimGain;
   std::fill(std::begin(osUpState), std::end(osUpState), 0.0);
   std::fill(std::begin(osDownState), std::end(osDownState), 0.0);
-  useClipTablesFor(r, osFactorD);
 
   std::swap(osBuffer, parts.buffer);
   std::swap(firstFilters, parts.first);

@@ -107,8 +107,8 @@ class Tarnwell : public Orv_TypeBase {
   friend class TarnwellInspector;  // white-box view for the tests
 
   // Publishes the tables for `rate` with first-stage factor F, unless `rate` is the rate they
-  // were last published for.
-  static void useClipTablesFor(double rate, double F);
+  // were last published for. False when a curve could not be built (out of memory).
+  static bool useClipTablesFor(double rate, double F);
   // Builds (on first need) and publishes the curves for factor F; false when a curve could not
   // be built, leaving the published tables as they were. Caller holds the builder's lock.
   static bool buildClipTables(double F);
