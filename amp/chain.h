@@ -33,6 +33,14 @@
 
 namespace chain {
 
+// x itself when finite, else 0: a NaN or infinity from the input, the tone stack or VOLUME enters
+// the oversampled section as silence.
+[[gnu::always_inline]] inline double finiteOrZero(double x) noexcept {
+  const __m128d v = _mm_set_sd(x);
+  const __m128d finite = _mm_cmpeq_sd(_mm_sub_sd(v, v), _mm_setzero_pd());
+  return _mm_cvtsd_f64(_mm_and_pd(v, finite));
+}
+
 // Host samples per chunk: the scratch between the passes lives on the stack.
 constexpr int kChunk = 256;
 
@@ -61,7 +69,7 @@ struct Block {
       const double c = i;
       double s = f1.run(f0.run(in[i]));
       for (int k = 0; k < 7; ++k) s = ramps[k].run(s);
-      x[i - begin] = (c * dv + v0) * s;
+      x[i - begin] = finiteOrZero((c * dv + v0) * s);
     }
     first[0] = f0, first[1] = f1;
     for (int k = 0; k < 7; ++k) eq[k] = ramps[k];
@@ -78,7 +86,7 @@ struct Block {
     cascade.run(
         in + begin, end - begin, [&](int j, double v) __attribute__((always_inline)) {
           const double c = begin + j;
-          x[j] = (c * dv + v0) * v;
+          x[j] = finiteOrZero((c * dv + v0) * v);
         });
     cascade.pair[0].store(first[0], first[1]);
     for (int k = 0; k < 3; ++k) cascade.pair[k + 1].store(bands[2 * k], bands[2 * k + 1]);
@@ -109,7 +117,11 @@ struct Block {
     using Os = Oversampler<F>;
     __m128d state[5];
     for (int k = 0; k < 5; ++k) state[k] = _mm_set_pd(down[k], up[k]);
-    Section m = masterStage;
+    // The master stage is a first-order shelf (b2 = a2 = 0), so its second state is a zero and
+    // adding it to b1 * w, or a zero product to z1, can only change the sign of a zero. Such a
+    // zero reaches nothing but the second shaper, which reads -0 and +0 alike, so the shelf runs
+    // without those terms and its output through the shaper is bit for bit the plain one.
+    Section shelf = masterStage;
     const Clipper& shape0 = *clip0;
     const Clipper& shape1 = *clip1;
     const double g0 = lastMaster, dg = masterStep;
@@ -133,7 +145,11 @@ struct Block {
         u0 = _mm_cvtsd_f64(_mm_unpackhi_pd(shaped, shaped));
       }
       double gvNew = 0.0;
-      if constexpr (active(kLagM)) gvNew = m.run(w) * (K >= kLagM ? g : gPrev);
+      if constexpr (active(kLagM)) {
+        const double v = shelf.b0 * w + shelf.z1;
+        shelf.z1 = shelf.b1 * w + shelf.a1 * v;
+        gvNew = v * (K >= kLagM ? g : gPrev);
+      }
       const __m128d in = _mm_set_pd(u[kWaitDown - 1], K == 0 ? xi : 0.0);
       if constexpr (active(0) && active(kLagDown)) {
         const __m128d out = Os::run(in, state);
@@ -187,7 +203,8 @@ struct Block {
       up[k] = _mm_cvtsd_f64(state[k]);
       down[k] = _mm_cvtsd_f64(_mm_unpackhi_pd(state[k], state[k]));
     }
-    masterStage = m;
+    masterStage.z1 = shelf.z1;
+    masterStage.z2 = 0.0;  // the shelf's second state is a zero
   }
 
   // Output stage, samples [begin, end): Final, the 20 Hz high-pass, trim.

@@ -77,6 +77,11 @@ void Tarnwell::processDoubleReplacing(double** inputs, double** outputs,
   block.masterStep = (curMaster - lastMaster) * r;
   block.lastVolume = lastVolume;
   block.lastMaster = lastMaster;
+  // A MASTER gain that is not finite silences the block instead of reaching the second shaper.
+  if (!finite(block.lastMaster) || !finite(block.masterStep)) {
+    block.lastMaster = 0.0;
+    block.masterStep = 0.0;
+  }
   // A trim that is not finite gives silence rather than a non-finite output.
   block.trim = finite(appliedTrim) ? appliedTrim : 0.0;
   block.clip0 = clip0;

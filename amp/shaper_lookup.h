@@ -13,19 +13,19 @@ namespace chain {
 static_assert(offsetof(Clipper, guard) == offsetof(Clipper, table) + kClipSize * sizeof(double),
               "the guard is the right-hand neighbour of the last entry");
 
-// Two waveshaper reads at once, lane 0 in table c0 and lane 1 in table c1. Each lane gives
-// clipLookup's result bit for bit, without branches:
-// - the clamp is a min and a max, which keep every in-range value (-0 included) exactly, and NaN
-//   reads as 0;
+// Two waveshaper reads at once, lane 0 in table c0 and lane 1 in table c1. For every input but NaN
+// each lane gives clipLookup's result bit for bit, without branches:
+// - the clamp is a min and a max, which keep every in-range value (-0 included) exactly;
 // - p = scale + v * scale with the built tables' scale, i = (int)p, t = p - i;
 // - an entry and its right-hand neighbour come in one 16-byte load; for the last entry that
 //   neighbour is the record's guard, as in clipLookup;
 // - (next - here) * t + here.
+// A NaN reads as +1 (minpd returns its second operand for it), so the index stays in the table.
+// The chain keeps NaN away from here (see Block), so this is only the last line of defence.
 [[gnu::always_inline]] inline __m128d lookupPair(const Clipper& c0, const Clipper& c1,
                                                  __m128d u) noexcept {
   const __m128d scale = _mm_set1_pd(kClipScale);
-  __m128d v = _mm_max_pd(_mm_min_pd(u, _mm_set1_pd(1.0)), _mm_set1_pd(-1.0));
-  v = _mm_and_pd(v, _mm_cmpord_pd(u, u));
+  const __m128d v = _mm_max_pd(_mm_min_pd(u, _mm_set1_pd(1.0)), _mm_set1_pd(-1.0));
   const __m128d p = _mm_add_pd(scale, _mm_mul_pd(v, scale));
   const __m128i i = _mm_cvttpd_epi32(p);
   const __m128d t = _mm_sub_pd(p, _mm_cvtepi32_pd(i));
