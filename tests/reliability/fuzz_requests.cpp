@@ -8,6 +8,7 @@
 // block's input is finite, |out| within the bound derived in output_bound.h.
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
@@ -16,6 +17,7 @@
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "hostif/orv_typeif.h"
@@ -72,7 +74,7 @@ float pickFloat(FuzzedDataProvider& in, const float* table, std::size_t size) {
   return f;
 }
 
-// Mostly the meaningful small range, sometimes any 32-bit value.
+// Half the time the meaningful small range, otherwise any 32-bit value.
 VstInt32 pickSmallOrAny(FuzzedDataProvider& in, VstInt32 lo, VstInt32 hi) {
   return in.ConsumeBool() ? in.ConsumeIntegralInRange<VstInt32>(lo, hi)
                           : in.ConsumeIntegral<VstInt32>();

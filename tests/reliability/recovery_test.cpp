@@ -3,6 +3,7 @@
 // judged against a twin instance that ran the same input with the values never disturbed.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <limits>
