@@ -51,6 +51,18 @@ TEST(Processing, InPlaceEqualsSeparateBuffers) {
   EXPECT_EQ(std::memcmp(out.data(), buffer.data(), out.size() * sizeof(double)), 0);
 }
 
+TEST(Processing, ANewRateSoundsLikeAFreshInstance) {
+  LoadedPlugin used, fresh;
+  used.setSampleRate(44100.0f);
+  used.render(testSignal(3000, 44100.0, 0.9), 300);
+  used.setSampleRate(48000.0f);
+  fresh.setSampleRate(48000.0f);
+  const std::vector<double> input = testSignal(3000, 48000.0, 0.9, 3);
+  const std::vector<double> a = used.render(input, 300);
+  const std::vector<double> b = fresh.render(input, 300);
+  EXPECT_EQ(std::memcmp(a.data(), b.data(), a.size() * sizeof(double)), 0);
+}
+
 TEST(Processing, LoudInputGivesABoundedFiniteOutput) {
   LoadedPlugin plugin;
   plugin.setSampleRate(96000.0f);
