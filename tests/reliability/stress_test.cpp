@@ -95,6 +95,25 @@ TEST(Lifecycle, OpenProcessCloseRepeatedGivesFreshResults) {
   }
 }
 
+TEST(Lifecycle, NewRateSetUpEqualsAFreshInstance) {
+  constexpr int kFrames = 1024;
+  std::vector<double> in(kFrames), used(kFrames), fresh(kFrames);
+  NoiseSource noise(8);
+  fill(Signal::kNoise, noise, in.data(), kFrames);
+
+  PluginInstance plugin(getinterface);
+  plugin.setSampleRate(44100.0f);
+  plugin.process(in.data(), used.data(), kFrames);
+  plugin.setSampleRate(96000.0f);  // same oversampling factor: the shared curve stays
+  plugin.setSampleRate(44100.0f);
+  plugin.process(in.data(), used.data(), kFrames);
+
+  PluginInstance reference(getinterface);
+  reference.setSampleRate(44100.0f);
+  reference.process(in.data(), fresh.data(), kFrames);
+  EXPECT_EQ(used, fresh);
+}
+
 TEST(Lifecycle, HostCallbackHookFires) {
   const long before = versionRequests.load();
   PluginInstance plugin(getinterface);
