@@ -13,8 +13,7 @@ namespace {
 struct EntryEffect;
 
 struct Factory {
-  int created = 0;
-  int destroyed = 0;
+  int created = 0, destroyed = 0;
   bool throwInConstructor = false;
   int getAeffectCallsBeforeThrow = -1;  // -1: never throws
   EntryEffect* last = nullptr;
@@ -28,7 +27,7 @@ struct EntryEffect : PlainEffect {
   ~EntryEffect() override { ++gFactory.destroyed; }
   AEffect* getAeffect() override {
     if (gFactory.getAeffectCallsBeforeThrow-- == 0) throw 1;
-    return PlainEffect::getAeffect();
+    return &cEffect;
   }
 };
 
@@ -36,11 +35,10 @@ class EntryPoints : public ::testing::TestWithParam<Orv_TypeIF* (*)(audioMasterC
  protected:
   void SetUp() override {
     gFactory = Factory{};
-    recorder().clear();
-    recorder().answers[audioMasterVersion] = 2400;
+    gHost.clear();
+    gHost.answers[audioMasterVersion] = 2400;
   }
   Orv_TypeIF* enter() { return GetParam()(recordingHost); }
-  static VstIntPtr close(AEffect* e) { return e->dispatcher(e, effClose, 0, 0, nullptr, 0.0f); }
 };
 
 }  // namespace
@@ -51,88 +49,59 @@ AudioEffect* createPluginFilter(audioMasterCallback audioMaster) {
 
 namespace {
 
-TEST_P(EntryPoints, AskTheHostVersionFirstWithNoEffect) {
-  Orv_TypeIF* handle = enter();
-  ASSERT_NE(handle, nullptr);
-  ASSERT_GE(recorder().calls.size(), 1u);
-  const HostCall& c = recorder().calls[0];
-  EXPECT_EQ(c.effect, nullptr);
-  EXPECT_EQ(c.opcode, audioMasterVersion);
-  EXPECT_EQ(c.index, 0);
-  EXPECT_EQ(c.value, 0);
-  EXPECT_EQ(c.ptr, nullptr);
-  EXPECT_EQ(c.opt, 0.0f);
-  EXPECT_EQ(handle->aeffect, gFactory.last->getAeffect());
-  EXPECT_EQ(handle->aeffect->magic, kEffectMagic);
-  close(handle->aeffect);
-  delete handle;
-}
-
-TEST_P(EntryPoints, OnlyVersionZeroRefuses) {
+TEST_P(EntryPoints, AskTheHostVersionFirstAndOnlyVersionZeroRefuses) {
   for (VstIntPtr version : {0, 1, 2, 2400}) {
-    recorder().answers[audioMasterVersion] = version;
+    gHost.clear();
+    gHost.answers[audioMasterVersion] = version;
     Orv_TypeIF* handle = enter();
-    EXPECT_EQ(handle != nullptr, version != 0) << version;
-    if (handle) {
-      close(handle->aeffect);
-      delete handle;
-    }
+    ASSERT_FALSE(gHost.calls.empty());
+    EXPECT_EQ(gHost.calls[0], (HostCall{nullptr, audioMasterVersion, 0, 0, nullptr, 0.0f}));
+    ASSERT_EQ(handle != nullptr, version != 0) << version;
+    if (!handle) continue;
+    EXPECT_EQ(handle->aeffect, &gFactory.last->cEffect);
+    EXPECT_EQ(handle->aeffect->magic, kEffectMagic);
+    send(handle->aeffect, effClose);
+    delete handle;
   }
+  EXPECT_EQ(GetParam()(nullptr), nullptr) << "no callback is a refusal";
   EXPECT_EQ(gFactory.created, 3);
   EXPECT_EQ(gFactory.destroyed, 3);
 }
 
-TEST_P(EntryPoints, NoCallbackIsARefusal) {
-  EXPECT_EQ(GetParam()(nullptr), nullptr);
-  EXPECT_EQ(gFactory.created, 0);
-}
-
-TEST_P(EntryPoints, ExceptionsWhileCreatingGiveNoEffect) {
+TEST_P(EntryPoints, ExceptionsWhileCreatingGiveNoEffectButFillingTheHandlePropagates) {
   gFactory.throwInConstructor = true;
   EXPECT_EQ(enter(), nullptr);
   gFactory.throwInConstructor = false;
-  gFactory.getAeffectCallsBeforeThrow = 0;
+  gFactory.getAeffectCallsBeforeThrow = 0;  // the factory's record request throws
   EXPECT_EQ(enter(), nullptr);
-  close(gFactory.last->PlainEffect::getAeffect());
-
+  send(&gFactory.last->cEffect, effClose);
   auto throwingHost = +[](AEffect*, VstInt32, VstInt32, VstIntPtr, void*, float) -> VstIntPtr {
     throw std::logic_error("host fails");
   };
   EXPECT_EQ(GetParam()(throwingHost), nullptr);
-}
 
-TEST_P(EntryPoints, ExceptionWhileFillingTheHandlePropagates) {
-  gFactory.getAeffectCallsBeforeThrow = 1;  // the factory's call succeeds, the handle's throws
+  gFactory.getAeffectCallsBeforeThrow = 1;  // the factory's succeeds, the handle's throws
   EXPECT_THROW(enter(), int);
-  ASSERT_EQ(gFactory.created, 1);
-  close(gFactory.last->PlainEffect::getAeffect());
+  ASSERT_EQ(gFactory.created, 2);
+  send(&gFactory.last->cEffect, effClose);
+  EXPECT_EQ(gFactory.destroyed, 2);
 }
 
-TEST_P(EntryPoints, EachCallMakesItsOwnInstance) {
+TEST_P(EntryPoints, EachCallMakesItsOwnInstanceWhichOutlivesItsHandleUntilEffClose) {
   Orv_TypeIF* a = enter();
   Orv_TypeIF* b = enter();
   ASSERT_TRUE(a && b);
-  EXPECT_NE(a, b);
   EXPECT_NE(a->aeffect, b->aeffect);
   EXPECT_NE(a->aeffect->object, b->aeffect->object);
-  EXPECT_EQ(gFactory.created, 2);
-  close(a->aeffect);
-  close(b->aeffect);
+  AEffect* e = a->aeffect;
   delete a;
-  delete b;
-}
-
-TEST_P(EntryPoints, DeletingTheHandleLeavesTheEffectToEffClose) {
-  Orv_TypeIF* handle = enter();
-  ASSERT_NE(handle, nullptr);
-  AEffect* e = handle->aeffect;
-  delete handle;
   EXPECT_EQ(gFactory.destroyed, 0);
-  EXPECT_EQ(e->dispatcher(e, effGetVstVersion, 0, 0, nullptr, 0.0f), 2400);
-  e->dispatcher(e, effSetProgram, 0, 3, nullptr, 0.0f);
-  EXPECT_EQ(e->dispatcher(e, effGetProgram, 0, 0, nullptr, 0.0f), 3);
-  EXPECT_EQ(close(e), 1);
+  send(e, effSetProgram, 0, 3);
+  EXPECT_EQ(send(e, effGetProgram), 3);
+  EXPECT_EQ(send(e, effClose), 1);
   EXPECT_EQ(gFactory.destroyed, 1);
+  send(b->aeffect, effClose);
+  delete b;
 }
 
 INSTANTIATE_TEST_SUITE_P(BothNames, EntryPoints, ::testing::Values(&getinterface, &OrvTypeIF),

@@ -3,251 +3,169 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <algorithm>
+#include <string>
+#include <type_traits>
 
 #include "test_support.h"
 
 namespace {
 
-VstIntPtr asInt(const void* p) {
-  return reinterpret_cast<VstIntPtr>(p);
-}
-VstIntPtr asInt(VstIntPtr v) {
-  return v;
-}
-const VstIntPtr kP = asInt(kPtr);
-auto* const kOffline = static_cast<VstOfflineTask*>(kPtr);
-template <typename T>
-T* as() {
-  return static_cast<T*>(kPtr);
-}
-
-// A query without arguments, by its member.
-template <auto query>
-VstIntPtr ask(PlainEffect& e) {
-  return asInt((e.*query)());
-}
-
 using E = PlainEffect;
 
+// The marker pointer, as whichever pointer type a query takes.
+struct Ptr {
+  template <typename T>
+  operator T*() const {
+    return static_cast<T*>(kPtr);
+  }
+};
+
+// Calls one query with fixed arguments; its result as an integer.
+template <auto query, auto... args>
+VstIntPtr ask(E& e) {
+  using R = decltype((e.*query)(args...));
+  if constexpr (std::is_void_v<R>)
+    return (e.*query)(args...), 0;
+  else if constexpr (std::is_pointer_v<R>)
+    return reinterpret_cast<VstIntPtr>((e.*query)(args...));
+  else
+    return (e.*query)(args...);
+}
+
 struct Query {
-  const char* name;
-  VstIntPtr (*ask)(PlainEffect&);
-  VstInt32 opcode;
-  VstInt32 index;
+  VstIntPtr (*ask)(E&);
+  VstInt32 opcode, index;
   VstIntPtr value;
   void* ptr;
   float opt;
-  VstIntPtr answer;
-  VstIntPtr result;
-  VstIntPtr resultWithoutHost;
+  VstIntPtr answer, result, resultWithoutHost;
 };
+
+const VstIntPtr P = reinterpret_cast<VstIntPtr>(kPtr);
 
 // clang-format off
 const Query kQueries[] = {
-  // name, call, expected opcode, index, value, ptr, opt, host answer, result, result without host
-  {"getMasterVersion", ask<&E::getMasterVersion>,
-   audioMasterVersion, 0, 0, nullptr, 0, 2400, 2400, 1},
-  {"getMasterVersion 0", ask<&E::getMasterVersion>, audioMasterVersion, 0, 0, nullptr, 0, 0, 1, 1},
-  {"getCurrentUniqueId", ask<&E::getCurrentUniqueId>,
-   audioMasterCurrentId, 0, 0, nullptr, 0, 77, 77, 0},
-  {"masterIdle", ask<&E::masterIdle>, audioMasterIdle, 0, 0, nullptr, 0, 3, 3, 0},
-  {"isInputConnected", [](E& e) -> VstIntPtr { return e.isInputConnected(3); },
-   audioMasterPinConnected, 3, 0, nullptr, 0, 0, 1, 1},
-  {"isOutputConnected", [](E& e) -> VstIntPtr { return e.isOutputConnected(3); },
-   audioMasterPinConnected, 3, 1, nullptr, 0, 1, 0, 1},
-  {"setParameterAutomated", [](E& e) -> VstIntPtr { return e.setParameterAutomated(2, 0.75f), 0; },
-   audioMasterAutomate, 2, 0, nullptr, 0.75f, 0, 0, 0},
-  {"getTimeInfo", [](E& e) { return asInt(e.getTimeInfo(7)); },
-   audioMasterGetTime, 0, 7, nullptr, 0, kP, kP, 0},
-  {"sendVstEventsToHost 1",
-   [](E& e) -> VstIntPtr { return e.sendVstEventsToHost(as<VstEvents>()); },
-   audioMasterProcessEvents, 0, 0, kPtr, 0, 1, 1, 0},
-  {"sendVstEventsToHost 2",
-   [](E& e) -> VstIntPtr { return e.sendVstEventsToHost(as<VstEvents>()); },
-   audioMasterProcessEvents, 0, 0, kPtr, 0, 2, 0, 0},
-  {"ioChanged", ask<&E::ioChanged>, audioMasterIOChanged, 0, 0, nullptr, 0, 5, 1, 0},
-  {"sizeWindow", [](E& e) -> VstIntPtr { return e.sizeWindow(640, 480); },
-   audioMasterSizeWindow, 640, 480, nullptr, 0, 1, 1, 0},
-  {"getInputLatency", ask<&E::getInputLatency>,
-   audioMasterGetInputLatency, 0, 0, nullptr, 0, 64, 64, 0},
-  {"getOutputLatency", ask<&E::getOutputLatency>,
-   audioMasterGetOutputLatency, 0, 0, nullptr, 0, 32, 32, 0},
-  {"getCurrentProcessLevel", ask<&E::getCurrentProcessLevel>,
-   audioMasterGetCurrentProcessLevel, 0, 0, nullptr, 0, 2, 2, 0},
-  {"getAutomationState", ask<&E::getAutomationState>,
-   audioMasterGetAutomationState, 0, 0, nullptr, 0, 4, 4, 0},
-  {"offlineStart", [](E& e) -> VstIntPtr { return e.offlineStart(as<VstAudioFile>(), 3, 2); },
-   audioMasterOfflineStart, 2, 3, kPtr, 0, 9, 1, 0},
-  {"offlineRead", [](E& e) -> VstIntPtr { return e.offlineRead(kOffline, kVstOfflinePeaks, true); },
+  // query, the request it sends (opcode, index, value, ptr, opt), host answer, result, no host
+  {ask<&E::getMasterVersion>, audioMasterVersion, 0, 0, nullptr, 0, 2400, 2400, 1},
+  {ask<&E::getMasterVersion>, audioMasterVersion, 0, 0, nullptr, 0, 0, 1, 1},
+  {ask<&E::getCurrentUniqueId>, audioMasterCurrentId, 0, 0, nullptr, 0, 77, 77, 0},
+  {ask<&E::masterIdle>, audioMasterIdle, 0, 0, nullptr, 0, 3, 3, 0},
+  {ask<&E::isInputConnected, 3>, audioMasterPinConnected, 3, 0, nullptr, 0, 0, 1, 1},
+  {ask<&E::isOutputConnected, 3>, audioMasterPinConnected, 3, 1, nullptr, 0, 1, 0, 1},
+  {ask<&E::setParameterAutomated, 2, 0.75f>, audioMasterAutomate, 2, 0, nullptr, 0.75f, 0, 0, 0},
+  {ask<&E::getTimeInfo, 7>, audioMasterGetTime, 0, 7, nullptr, 0, P, P, 0},
+  {ask<&E::sendVstEventsToHost, Ptr{}>, audioMasterProcessEvents, 0, 0, kPtr, 0, 1, 1, 0},
+  {ask<&E::sendVstEventsToHost, Ptr{}>, audioMasterProcessEvents, 0, 0, kPtr, 0, 2, 0, 0},
+  {ask<&E::ioChanged>, audioMasterIOChanged, 0, 0, nullptr, 0, 5, 1, 0},
+  {ask<&E::sizeWindow, 640, 480>, audioMasterSizeWindow, 640, 480, nullptr, 0, 1, 1, 0},
+  {ask<&E::getInputLatency>, audioMasterGetInputLatency, 0, 0, nullptr, 0, 64, 64, 0},
+  {ask<&E::getOutputLatency>, audioMasterGetOutputLatency, 0, 0, nullptr, 0, 32, 32, 0},
+  {ask<&E::getCurrentProcessLevel>, audioMasterGetCurrentProcessLevel, 0, 0, nullptr, 0, 2, 2, 0},
+  {ask<&E::getAutomationState>, audioMasterGetAutomationState, 0, 0, nullptr, 0, 4, 4, 0},
+  {ask<&E::offlineStart, Ptr{}, 3, 2>, audioMasterOfflineStart, 2, 3, kPtr, 0, 9, 1, 0},
+  {ask<&E::offlineRead, Ptr{}, kVstOfflinePeaks, true>,
    audioMasterOfflineRead, 1, kVstOfflinePeaks, kPtr, 0, 1, 1, 0},
-  {"offlineWrite", [](E& e) -> VstIntPtr { return e.offlineWrite(kOffline, kVstOfflineMarker); },
+  {ask<&E::offlineWrite, Ptr{}, kVstOfflineMarker>,
    audioMasterOfflineWrite, 0, kVstOfflineMarker, kPtr, 0, 0, 0, 0},
-  {"offlineGetCurrentPass", ask<&E::offlineGetCurrentPass>,
-   audioMasterOfflineGetCurrentPass, 0, 0, nullptr, 0, 5, 1, 0},
-  {"offlineGetCurrentMetaPass", ask<&E::offlineGetCurrentMetaPass>,
+  {ask<&E::offlineGetCurrentPass>, audioMasterOfflineGetCurrentPass, 0, 0, nullptr, 0, 5, 1, 0},
+  {ask<&E::offlineGetCurrentMetaPass>,
    audioMasterOfflineGetCurrentMetaPass, 0, 0, nullptr, 0, 5, 1, 0},
-  {"getHostVendorString", [](E& e) -> VstIntPtr { return e.getHostVendorString(as<char>()); },
-   audioMasterGetVendorString, 0, 0, kPtr, 0, 1, 1, 0},
-  {"getHostProductString", [](E& e) -> VstIntPtr { return e.getHostProductString(as<char>()); },
-   audioMasterGetProductString, 0, 0, kPtr, 0, 1, 1, 0},
-  {"getHostVendorVersion", ask<&E::getHostVendorVersion>,
-   audioMasterGetVendorVersion, 0, 0, nullptr, 0, 1200, 1200, 0},
-  {"hostVendorSpecific", [](E& e) { return e.hostVendorSpecific(4, 5, kPtr, 0.25f); },
+  {ask<&E::getHostVendorString, Ptr{}>, audioMasterGetVendorString, 0, 0, kPtr, 0, 1, 1, 0},
+  {ask<&E::getHostProductString, Ptr{}>, audioMasterGetProductString, 0, 0, kPtr, 0, 1, 1, 0},
+  {ask<&E::getHostVendorVersion>, audioMasterGetVendorVersion, 0, 0, nullptr, 0, 1200, 1200, 0},
+  {ask<&E::hostVendorSpecific, 4, 5, Ptr{}, 0.25f>,
    audioMasterVendorSpecific, 4, 5, kPtr, 0.25f, 6, 6, 0},
-  {"canHostDo", [](E& e) -> VstIntPtr { return e.canHostDo(as<char>()); },
-   audioMasterCanDo, 0, 0, kPtr, 0, -1, 1, 0},
-  {"getHostLanguage", ask<&E::getHostLanguage>, audioMasterGetLanguage, 0, 0, nullptr, 0, 2, 2, 0},
-  {"getDirectory", ask<&E::getDirectory>, audioMasterGetDirectory, 0, 0, nullptr, 0, kP, kP, 0},
-  {"updateDisplay", ask<&E::updateDisplay>, audioMasterUpdateDisplay, 0, 0, nullptr, 0, 1, 1, 0},
-  {"beginEdit", [](E& e) -> VstIntPtr { return e.beginEdit(3); },
-   audioMasterBeginEdit, 3, 0, nullptr, 0, 1, 1, 0},
-  {"endEdit", [](E& e) -> VstIntPtr { return e.endEdit(3); },
-   audioMasterEndEdit, 3, 0, nullptr, 0, 1, 1, 0},
-  {"openFileSelector", [](E& e) -> VstIntPtr { return e.openFileSelector(as<VstFileSelect>()); },
-   audioMasterOpenFileSelector, 0, 0, kPtr, 0, 1, 1, 0},
-  {"closeFileSelector", [](E& e) -> VstIntPtr { return e.closeFileSelector(as<VstFileSelect>()); },
-   audioMasterCloseFileSelector, 0, 0, kPtr, 0, 1, 1, 0},
-  {"__wantEvents", [](E& e) -> VstIntPtr { return e.__wantEventsDeprecated(1), 0; },
-   audioMasterWantMidi, 0, 1, nullptr, 0, 0, 0, 0},
-  {"__tempoAt", [](E& e) -> VstIntPtr { return e.__tempoAtDeprecated(100); },
-   audioMasterTempoAt, 0, 100, nullptr, 0, 120, 120, 0},
-  {"__getNumAutomatableParameters", ask<&E::__getNumAutomatableParametersDeprecated>,
-   audioMasterGetNumAutomatableParameters, 0, 0, nullptr, 0, 8, 8, 0},
-  {"__getParameterQuantization", ask<&E::__getParameterQuantizationDeprecated>,
-   audioMasterGetParameterQuantization, 0, 0, nullptr, 0, 8, 8, 0},
-  {"__needIdle", ask<&E::__needIdleDeprecated>, audioMasterNeedIdle, 0, 0, nullptr, 0, 3, 1, 0},
-  {"__getPreviousPlug", [](E& e) { return asInt(e.__getPreviousPlugDeprecated(3)); },
-   audioMasterGetPreviousPlug, 0, 0, nullptr, 0, kP, kP, 0},
-  {"__getNextPlug", [](E& e) { return asInt(e.__getNextPlugDeprecated(3)); },
-   audioMasterGetNextPlug, 0, 0, nullptr, 0, kP, kP, 0},
-  {"__willProcessReplacing", ask<&E::__willProcessReplacingDeprecated>,
-   audioMasterWillReplaceOrAccumulate, 0, 0, nullptr, 0, 2, 2, 0},
-  {"__setOutputSamplerate",
-   [](E& e) -> VstIntPtr { return e.__setOutputSamplerateDeprecated(48000.0f), 0; },
+  {ask<&E::canHostDo, Ptr{}>, audioMasterCanDo, 0, 0, kPtr, 0, -1, 1, 0},
+  {ask<&E::getHostLanguage>, audioMasterGetLanguage, 0, 0, nullptr, 0, 2, 2, 0},
+  {ask<&E::getDirectory>, audioMasterGetDirectory, 0, 0, nullptr, 0, P, P, 0},
+  {ask<&E::updateDisplay>, audioMasterUpdateDisplay, 0, 0, nullptr, 0, 1, 1, 0},
+  {ask<&E::beginEdit, 3>, audioMasterBeginEdit, 3, 0, nullptr, 0, 1, 1, 0},
+  {ask<&E::endEdit, 3>, audioMasterEndEdit, 3, 0, nullptr, 0, 1, 1, 0},
+  {ask<&E::openFileSelector, Ptr{}>, audioMasterOpenFileSelector, 0, 0, kPtr, 0, 1, 1, 0},
+  {ask<&E::closeFileSelector, Ptr{}>, audioMasterCloseFileSelector, 0, 0, kPtr, 0, 1, 1, 0},
+  {ask<&E::__needIdleDeprecated>, audioMasterNeedIdle, 0, 0, nullptr, 0, 3, 1, 0},
+  {ask<&E::__getPreviousPlugDeprecated, 3>, audioMasterGetPreviousPlug, 0, 0, nullptr, 0, P, P, 0},
+  {ask<&E::__setOutputSamplerateDeprecated, 48000.0f>,
    audioMasterSetOutputSampleRate, 0, 0, nullptr, 48000.0f, 0, 0, 0},
-  {"__getOutputSpeakerArrangement", ask<&E::__getOutputSpeakerArrangementDeprecated>,
-   audioMasterGetOutputSpeakerArrangement, 0, 0, nullptr, 0, kP, kP, 0},
-  {"__getInputSpeakerArrangement", ask<&E::__getInputSpeakerArrangementDeprecated>,
-   audioMasterGetInputSpeakerArrangement, 0, 0, nullptr, 0, kP, kP, 0},
-  {"__openWindow",
-   [](E& e) { return asInt(e.__openWindowDeprecated(as<__VstWindowDeprecated>())); },
-   audioMasterOpenWindow, 0, 0, kPtr, 0, kP, kP, 0},
-  {"__closeWindow",
-   [](E& e) -> VstIntPtr { return e.__closeWindowDeprecated(as<__VstWindowDeprecated>()); },
-   audioMasterCloseWindow, 0, 0, kPtr, 0, 1, 1, 0},
-  {"__getChunkFile", [](E& e) -> VstIntPtr { return e.__getChunkFileDeprecated(kPtr); },
-   audioMasterGetChunkFile, 0, 0, kPtr, 0, 1, 1, 0},
+  {ask<&E::__getChunkFileDeprecated, Ptr{}>, audioMasterGetChunkFile, 0, 0, kPtr, 0, 1, 1, 0},
 };
 // clang-format on
 
-class HostQueries : public ::testing::Test {
- protected:
-  void SetUp() override { recorder().clear(); }
-};
-
-TEST_F(HostQueries, RecorderSeesWhatTheEffectSends) {
-  PlainEffect effect(recordingHost);
-  recorder().answers[audioMasterVersion] = 2400;
-  EXPECT_EQ(effect.getMasterVersion(), 2400);
-  ASSERT_EQ(recorder().calls.size(), 1u);
-  EXPECT_EQ(recorder().calls[0].opcode, audioMasterVersion);
+TEST(HostQueries, RecordingHostSeesWhatTheEffectSendsAndAnswersPerOpcode) {
+  gHost.clear();
+  gHost.answers[audioMasterVersion] = 2400;
+  PlainEffect fx(recordingHost);
+  EXPECT_EQ(fx.getMasterVersion(), 2400);
+  EXPECT_EQ(fx.masterIdle(), 0);
+  ASSERT_EQ(gHost.calls.size(), 2u);
+  EXPECT_EQ(gHost.calls[0], (HostCall{fx.getAeffect(), audioMasterVersion, 0, 0, nullptr, 0}));
+  EXPECT_EQ(gHost.calls[1].opcode, audioMasterIdle);
 }
 
-TEST_F(HostQueries, EachSendsExactlyItsRequestAndReadsTheAnswer) {
+TEST(HostQueries, EachSendsExactlyItsRequestAndReadsTheAnswer) {
   for (const Query& q : kQueries) {
-    SCOPED_TRACE(q.name);
-    recorder().clear();
-    PlainEffect effect(recordingHost);
-    recorder().answers[q.opcode] = q.answer;
-    EXPECT_EQ(q.ask(effect), q.result);
-    ASSERT_EQ(recorder().calls.size(), 1u);
-    const HostCall& c = recorder().calls[0];
-    EXPECT_EQ(c.effect, effect.getAeffect());
-    EXPECT_EQ(c.opcode, q.opcode);
-    EXPECT_EQ(c.index, q.index);
-    EXPECT_EQ(c.value, q.value);
-    EXPECT_EQ(c.ptr, q.ptr);
-    EXPECT_EQ(c.opt, q.opt);
+    SCOPED_TRACE(testing::Message() << "row " << &q - kQueries << ", host opcode " << q.opcode);
+    gHost.clear();
+    gHost.answers[q.opcode] = q.answer;
+    PlainEffect fx(recordingHost), alone;
+    EXPECT_EQ(q.ask(fx), q.result);
+    const HostCall request{fx.getAeffect(), q.opcode, q.index, q.value, q.ptr, q.opt};
+    EXPECT_EQ(gHost.calls, std::vector<HostCall>{request});
+    EXPECT_EQ(q.ask(alone), q.resultWithoutHost);
   }
 }
 
-TEST_F(HostQueries, WithoutHostEachGivesItsFixedAnswer) {
-  for (const Query& q : kQueries) {
-    PlainEffect effect;
-    EXPECT_EQ(q.ask(effect), q.resultWithoutHost) << q.name;
-  }
+TEST(HostQueries, NullPointersAreNotSentToTheHost) {
+  gHost.clear();
+  PlainEffect fx(recordingHost);
+  EXPECT_FALSE(fx.openFileSelector(nullptr));
+  EXPECT_FALSE(fx.closeFileSelector(nullptr));
+  EXPECT_FALSE(fx.__getChunkFileDeprecated(nullptr));
+  EXPECT_TRUE(gHost.calls.empty());
 }
 
-TEST_F(HostQueries, NullPointersAreNotSentToTheHost) {
-  PlainEffect effect(recordingHost);
-  recorder().answers[audioMasterOpenFileSelector] = 1;
-  EXPECT_FALSE(effect.openFileSelector(nullptr));
-  EXPECT_FALSE(effect.closeFileSelector(nullptr));
-  EXPECT_FALSE(effect.__getChunkFileDeprecated(nullptr));
-  EXPECT_TRUE(recorder().calls.empty());
-}
-
-TEST_F(HostQueries, SetParameterAutomatedStoresEvenWithoutHost) {
-  struct Storing : PlainEffect {
-    float stored = 0.0f;
-    void setParameter(VstInt32, float v) override { stored = v; }
-  } effect;
-  effect.setParameterAutomated(1, 0.25f);
-  EXPECT_EQ(effect.stored, 0.25f);
-}
-
-TEST_F(HostQueries, UpdateSampleRateFallsBackTo44100) {
-  PlainEffect effect(recordingHost);
-  effect.sampleRate = 48000.0f;
-  EXPECT_EQ(effect.updateSampleRate(), 44100.0f);
-  EXPECT_EQ(effect.sampleRate, 44100.0f);
-  recorder().answers[audioMasterGetSampleRate] = 48000;
-  EXPECT_EQ(effect.updateSampleRate(), 48000.0f);
-  EXPECT_EQ(effect.getSampleRate(), 48000.0f);
-
-  PlainEffect alone;
-  alone.sampleRate = 96000.0f;
+TEST(HostQueries, UpdateSampleRateAndBlockSizeTakeOnlyPositiveAnswers) {
+  gHost.clear();
+  PlainEffect fx(recordingHost), alone;
+  fx.sampleRate = alone.sampleRate = 48000.0f;
+  EXPECT_EQ(fx.updateSampleRate(), 44100.0f);  // the host answers 0
+  EXPECT_EQ(fx.sampleRate, 44100.0f);
   EXPECT_EQ(alone.updateSampleRate(), 44100.0f);
+  gHost.answers[audioMasterGetSampleRate] = 48000;
+  EXPECT_EQ(fx.updateSampleRate(), 48000.0f);
+  EXPECT_EQ(fx.getSampleRate(), 48000.0f);
+
+  gHost.answers[audioMasterGetBlockSize] = -5;
+  EXPECT_EQ(fx.updateBlockSize(), 1024);
+  gHost.answers[audioMasterGetBlockSize] = 512;
+  EXPECT_EQ(fx.updateBlockSize(), 512);
+  EXPECT_EQ(fx.getBlockSize(), 512);
+  EXPECT_EQ(alone.updateBlockSize(), 1024);
 }
 
-TEST_F(HostQueries, UpdateBlockSizeKeepsTheOldSizeUnlessTheHostGivesOne) {
-  PlainEffect effect(recordingHost);
-  recorder().answers[audioMasterGetBlockSize] = -5;
-  EXPECT_EQ(effect.updateBlockSize(), 1024);
-  recorder().answers[audioMasterGetBlockSize] = 512;
-  EXPECT_EQ(effect.updateBlockSize(), 512);
-  EXPECT_EQ(PlainEffect().updateBlockSize(), 1024);
-}
-
-TEST_F(HostQueries, ResumeAsksForMidiOnlyForSynthsAndMidiReceivers) {
-  struct MidiEffect : PlainEffect {
+TEST(HostQueries, ResumeAsksForMidiOnlyForSynthsAndMidiReceivers) {
+  struct Midi : PlainEffect {
     VstInt32 answer = 0;
-    char asked[32] = "";
-    MidiEffect() : PlainEffect(recordingHost) {}
-    VstInt32 canDo(char* text) override {
-      std::strncpy(asked, text, sizeof asked - 1);
-      return answer;
-    }
-  };
-  auto midiRequests = [] {
-    int n = 0;
-    for (const HostCall& c : recorder().calls) n += c.opcode == audioMasterWantMidi && c.value == 1;
-    return n;
-  };
-  MidiEffect effect;
-  effect.resume();
-  EXPECT_STREQ(effect.asked, "receiveVstMidiEvent");
-  effect.answer = 2;
-  effect.resume();
-  EXPECT_EQ(midiRequests(), 0);
-  effect.answer = 1;
-  effect.resume();
-  EXPECT_EQ(midiRequests(), 1);
-  effect.answer = 0;
-  effect.isSynth(true);
-  effect.dispatcher(effMainsChanged, 0, 1, nullptr, 0.0f);
-  EXPECT_EQ(midiRequests(), 2);
+    std::string asked;
+    Midi() : PlainEffect(recordingHost) {}
+    VstInt32 canDo(char* text) override { return asked = text, answer; }
+  } fx;
+  gHost.clear();
+  const HostCall wantMidi{fx.getAeffect(), audioMasterWantMidi, 0, 1, nullptr, 0.0f};
+  auto requests = [&] { return std::count(gHost.calls.begin(), gHost.calls.end(), wantMidi); };
+  fx.resume();
+  EXPECT_EQ(fx.asked, "receiveVstMidiEvent");
+  fx.answer = 2;
+  fx.resume();
+  EXPECT_EQ(requests(), 0);
+  fx.answer = 1;
+  fx.resume();
+  EXPECT_EQ(requests(), 1);
+  fx.answer = 0;
+  fx.isSynth(true);
+  send(fx.getAeffect(), effMainsChanged, 0, 1);
+  EXPECT_EQ(requests(), 2);
 }
 
 }  // namespace
