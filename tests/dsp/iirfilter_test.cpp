@@ -1,0 +1,180 @@
+// The filter section: designs (reference values, clamping, responses), running, and the ramp.
+#include "dsp/iirfilter.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+#include <numbers>
+#include <utility>
+
+namespace {
+
+constexpr double kFs = 44100.0;
+constexpr int kA1 = IIRFilter::kA1, kA2 = IIRFilter::kA2, kB0 = IIRFilter::kB0,
+              kB1 = IIRFilter::kB1, kB2 = IIRFilter::kB2, kN = IIRFilter::kNumCoefs;
+
+filterPrm_tag record(int num, double freq, double q = 1.0, double gain = 0.0) {
+  return {num, freq, 500.0, 2000.0, q, gain, kFs};
+}
+
+TEST(IIRFilterDesign, MatchesReferenceCoefficientsToTwelveDigits) {
+  const struct {
+    filterPrm_tag prm;
+    double coef[kN];  // a1, a2, b0, b1, b2
+  } cases[] = {
+      {record(1, 26.0), {0.996302471992, 0.0, 0.998151235996, -0.998151235996, 0.0}},
+      {record(10, 269.96, 1.034, -18.5),
+       {1.72814745262, -0.729426539303, 0.880792127688, -1.72814745262, 0.848634411615}},
+      {record(13, 1000.0), {0.132875762644, 0.0, 0.867124237356, 0.0, 0.0}},
+      {record(-1, 1000.0), {0.132875762644, 0.0, 0.867124237356, 0.0, 0.0}},
+  };
+  for (const auto& r : cases) {
+    filterPrm_tag prm = r.prm;
+    const IIRFilter f(&prm);
+    for (int i = 0; i < kN; ++i)
+      EXPECT_NEAR(f.coef[i], r.coef[i], 6e-12 * std::fabs(r.coef[i])) << "type " << r.prm.num;
+  }
+}
+
+TEST(IIRFilterDesign, ClampsFrequencyAndQAndWritesThemBack) {
+  // freq, q as given; freq, q as designed and written back
+  const double cases[][4] = {{0.0, 0.7, 20.0, 0.7},    {-5.0, 0.7, 20.0, 0.7},
+                             {3e4, 0.7, kFs / 2, 0.7}, {kFs / 2, 0.7, kFs / 2, 0.7},
+                             {1e3, -1.0, 1e3, 1.0},    {1e3, 0.0, 1e3, 1.0}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c[0] << " Hz, Q " << c[1]);
+    filterPrm_tag given = record(7, c[0], c[1]), plain = record(7, c[2], c[3]);
+    const IIRFilter a(&given), b(&plain);
+    EXPECT_TRUE(given.freq == c[2] && given.q == c[3]);
+    for (int i = 0; i < kN; ++i) EXPECT_EQ(a.coef[i], b.coef[i]);
+  }
+}
+
+// |H| at `hz` from the stored coefficients alone; the one-pole form is a1 / (1 - b0 z^-1).
+double magnitude(const IIRFilter& f, double hz) {
+  const std::complex<double> zi = std::polar(1.0, -2.0 * std::numbers::pi * hz / kFs);
+  const double* c = f.coef;
+  if (f.form == 0) return std::abs(c[kA1] / (1.0 - zi * c[kB0]));
+  return std::abs((c[kB0] + zi * (c[kB1] + zi * c[kB2])) / (1.0 - zi * (c[kA1] + zi * c[kA2])));
+}
+
+// The band types (4, 5) get odd freq, Q and gain, which they must ignore; their band edges are at
+// 1/sqrt(2).
+TEST(IIRFilterDesign, MagnitudeAtDcDesignFrequencyAndHalfRate) {
+  const double r2 = std::numbers::sqrt2;
+  const auto dB = [](double g) { return std::pow(10.0, g / 20.0); };
+  const double shelfCorner = std::sqrt((1.0 + dB(-10.2) * dB(-10.2)) / 2.0);
+  const struct {
+    const char* what;
+    filterPrm_tag prm;
+    double hz, dc, atHz, half;
+  } cases[] = {
+      {"low-pass", record(0, 1000.0), 1000.0, 1.0, 1 / r2, 0.0},
+      {"high-pass", record(1, 1000.0), 1000.0, 0.0, 1 / r2, 1.0},
+      {"Butterworth low-pass", record(2, 1000.0, 5.0), 1000.0, 1.0, 1 / r2, 0.0},
+      {"Butterworth high-pass", record(3, 1000.0, 5.0), 1000.0, 0.0, 1 / r2, 1.0},
+      {"band-pass", record(4, 9000.0, 7.0, -9.0), 500.0, 0.0, 1 / r2, 0.0},
+      {"band-stop", record(5, 100.0, 0.5, 3.0), 2000.0, 1.0, 1 / r2, 1.0},
+      {"low-pass Q 2", record(6, 1000.0, 2.0), 1000.0, 1.0, 2.0 / r2, 0.0},
+      {"high-pass Q 0.65", record(7, 15.0, 0.65), 15.0, 0.0, 0.65 / r2, 1.0},
+      {"band-pass Q 3", record(8, 1000.0, 3.0), 1000.0, 0.0, 1.0, 0.0},
+      {"notch", record(9, 1000.0, 3.0), 1000.0, 1.0, 0.0, 1.0},
+      {"peaking cut", record(10, 269.96, 1.034, -18.5), 269.96, 1.0, dB(-18.5), 1.0},
+      {"peaking boost", record(10, 2500.0, 3.0, 4.0), 2500.0, 1.0, dB(4.0), 1.0},
+      {"flat peaking", record(10, 1300.0, 9.0, 0.0), 1300.0, 1.0, 1.0, 1.0},
+      {"low shelf", record(11, 432.0, 1.0, -10.2), 432.0, dB(-10.2), shelfCorner, 1.0},
+      {"high shelf", record(12, 1978.0, 1.0, -10.2), 1978.0, 1.0, shelfCorner, dB(-10.2)},
+      {"one-pole (unknown type)", record(-1, 1000.0), 1000.0, 1.0, std::sqrt(0.5011872337),
+       0.132875762644 / 1.867124237356},
+  };
+  for (const auto& r : cases) {
+    SCOPED_TRACE(r.what);
+    filterPrm_tag prm = r.prm;
+    const IIRFilter f(&prm);
+    EXPECT_NEAR(magnitude(f, 0.0), r.dc, 1e-9);
+    EXPECT_NEAR(magnitude(f, r.hz), r.atHz, 1e-9);
+    EXPECT_NEAR(magnitude(f, kFs / 2), r.half, 1e-9);
+  }
+}
+
+TEST(IIRFilterRun, ImpulseResponseFollowsTheDirectFormOneEquation) {
+  for (filterPrm_tag prm :
+       {record(0, 1000.0), record(12, 1978.0, 1.0, -13.5), record(7, 15.0, 0.65),
+        record(9, 1000.0, 2.0), record(10, 612.0, 5.0, 1.0), record(14, 18000.0)}) {
+    IIRFilter f(&prm);
+    const double* c = f.coef;
+    double y1 = 0.0, y2 = 0.0;  // the impulse meets b0, b1, b2 at samples 0, 1, 2
+    for (int i = 0; i < 64; ++i) {
+      const double y = f.form == 0 ? c[kB0] * y1 + (i == 0) * c[kA1]
+                                   : (i < 3 ? c[kB0 + i] : 0.0) + c[kA1] * y1 + c[kA2] * y2;
+      y2 = std::exchange(y1, y);
+      double x = i == 0;
+      f.iirProcessing(&x);
+      ASSERT_NEAR(x, y, 1e-12) << "type " << prm.num << " sample " << i;
+    }
+  }
+}
+
+TEST(IIRFilterRun, RedesignKeepsStateForTheSameTypeAndClearsItForAnother) {
+  filterPrm_tag prm = record(10, 612.0, 5.0, 3.0), same = record(10, 2500.0, 3.0, -4.0),
+                other = record(7, 15.0, 0.65);
+  IIRFilter f(&prm);
+  double x = 1.0;
+  f.iirProcessing(&x);
+  const IIRFilter before = f;
+  f.FDexcute(&same);
+  f.ipFDexcute(&same, 8);
+  EXPECT_TRUE(f.z1 == before.z1 && f.z2 == before.z2 && f.z1 != 0.0 && f.z2 != 0.0);
+  f.FDexcute(&other);
+  EXPECT_TRUE(f.z1 == 0.0 && f.z2 == 0.0);
+}
+
+// Runs `a` through its ramp beside `fixed` (a copy with a fixed design); both agree within tol.
+void expectSameRun(IIRFilter& a, IIRFilter fixed, int n, double tol = 0.0) {
+  for (int i = 0; i < n; ++i) {
+    double x = 0.3 - 0.1 * i, y = x;
+    a.ipIirProcessing(&x);
+    fixed.iirProcessing(&y);
+    ASSERT_NEAR(x, y, tol) << "sample " << i;
+    ASSERT_TRUE(std::fabs(a.z1 - fixed.z1) <= tol && std::fabs(a.z2 - fixed.z2) <= tol) << i;
+  }
+}
+
+TEST(IIRFilterRun, RampBlendsPositionsZeroToNThenHoldsAndRestartsFromTheLastTarget) {
+  filterPrm_tag a = record(10, 612.0, 5.0, -5.1), b = record(10, 2500.0, 3.0, 4.0),
+                c = record(10, 1300.0, 9.0, 8.0);
+  IIRFilter f(&a);
+  const IIRFilter old(&a), target(&b);
+  f.ipFDexcute(&b, 4);
+  for (int k = 0; k <= 4; ++k) {
+    IIRFilter blend = f;
+    for (int i = 0; i < kN; ++i)
+      blend.coef[i] = old.coef[i] + (target.coef[i] - old.coef[i]) * k / 4.0;
+    SCOPED_TRACE(k);
+    expectSameRun(f, blend, 1, k == 0 ? 0.0 : 1e-14);  // the first sample is the old design exactly
+  }
+  expectSameRun(f, f, 8);  // from here on the design itself
+  f.ipFDexcute(&c, 8);
+  for (double x : {0.1, 0.2, 0.3}) f.ipIirProcessing(&x);
+  f.ipFDexcute(&a, 8);  // starts from c, not from the blend reached
+  IIRFilter fromC = f;
+  fromC.FDexcute(&c);
+  expectSameRun(f, fromC, 1);
+}
+
+TEST(IIRFilterRun, RampFromConstructionOrOfLengthBelowOneEndsAtOnce) {
+  filterPrm_tag prm = record(1, 26.0);
+  IIRFilter f(&prm), zero(&prm);
+  for (double& c : zero.coef) c = 0.0;
+  expectSameRun(f, zero, 1);  // never ramped: the first sample uses all-zero coefficients
+  expectSameRun(f, f, 8);
+  for (int n : {0, -1, -100}) {
+    SCOPED_TRACE(n);
+    filterPrm_tag to = record(1, 100.0 - 50.0 * n);
+    f.ipFDexcute(&to, n);
+    expectSameRun(f, f, 8);
+  }
+}
+
+}  // namespace
