@@ -17,90 +17,57 @@ std::string written(VstInt32 maxLen, auto write) {
   std::memset(text, '#', sizeof text);
   write(text, maxLen);
   EXPECT_EQ(text[maxLen], 0);
-  EXPECT_EQ(std::string(text + maxLen + 1, sizeof text - maxLen - 1),
+  EXPECT_EQ(std::string(text + maxLen + 1, text + sizeof text),
             std::string(sizeof text - maxLen - 1, '#'))
       << "written past the limit";
   return text;
 }
 
-using FloatText = void (AudioEffect::*)(float, char*, VstInt32);
-constexpr FloatText F = &AudioEffect::float2string, dB = &AudioEffect::dB2string,
-                    Hz = &AudioEffect::Hz2string, ms = &AudioEffect::ms2string;
+using E = PlainEffect;
+using Write = void (*)(E&, double, char*, VstInt32);
+constexpr Write F = [](E& e, double v, char* t, VstInt32 n) { e.float2string(v, t, n); };
+constexpr Write dB = [](E& e, double v, char* t, VstInt32 n) { e.dB2string(v, t, n); };
+constexpr Write Hz = [](E& e, double v, char* t, VstInt32 n) { e.Hz2string(v, t, n); };
+constexpr Write ms = [](E& e, double v, char* t, VstInt32 n) { e.ms2string(v, t, n); };
+constexpr Write I = [](E& e, double v, char* t, VstInt32 n) { e.int2string(VstInt32(v), t, n); };
 
-struct FloatCase {
-  FloatText op;
-  float value;
+struct TextCase {
+  Write op;
+  double value;
   VstInt32 maxLen;
   const char* text;
 };
 
 // Hz and ms at a sample rate of 48000.
 // clang-format off
-constexpr FloatCase kFloatCases[] = {
-    {F, 0.0f, 8, " 0.00"}, {F, 0.0049f, 8, " 0.00"}, {F, -0.0049f, 8, " 0.00"},
-    {F, -0.0051f, 8, "-0.01"}, {F, 1.5f, 8, " 1.50"}, {F, -1.5f, 8, "-1.50"},
-    {F, 2.345f, 8, " 2.35"}, {F, 0.125f, 8, " 0.12"}, {F, 9.999f, 8, " 10.00"},
-    {F, 1234.5f, 8, " 1234.50"}, {F, 123456.7f, 8, " 123456."}, {F, -10000000.0f, 8, "Huge!"},
-    {F, 100000000.0f, 8, "Huge!"}, {F, -9999.99f, 8, "-9999.99"}, {F, 12345.67f, 8, " 12345.6"},
-    {F, -1234567.0f, 8, "-1234567"}, {F, 1234567.0f, 8, " 1234567"},
-    {F, 12345678.0f, 8, "12345678"}, {F, INFINITY, 8, "Huge!"}, {F, -INFINITY, 8, "Huge!"},
-    {F, NAN, 8, "Huge!"},
-    {dB, 1.0f, 8, " 0.00"}, {dB, 0.5f, 8, "-6.02"}, {dB, 0.001f, 8, "-60.00"},
-    {dB, 0.0f, 8, "-Inf"}, {dB, -1.0f, 8, "-Inf"},
-    {Hz, 480.0f, 8, " 100.00"}, {Hz, 0.0f, 8, " 0.00"},
-    {ms, 480.0f, 8, " 10.00"}, {ms, 48000.0f, 8, " 1000.00"},
+constexpr TextCase kCases[] = {
+    {F, 0.0, 8, " 0.00"}, {F, 0.0049, 8, " 0.00"}, {F, -0.0049, 8, " 0.00"},
+    {F, -0.0051, 8, "-0.01"}, {F, 1.5, 8, " 1.50"}, {F, -1.5, 8, "-1.50"}, {F, 2.345, 8, " 2.35"},
+    {F, 0.125, 8, " 0.12"}, {F, 9.999, 8, " 10.00"}, {F, 1234.5, 8, " 1234.50"},
+    {F, 123456.7, 8, " 123456."}, {F, -10000000.0, 8, "Huge!"}, {F, 100000000.0, 8, "Huge!"},
+    {F, -9999.99, 8, "-9999.99"}, {F, 12345.67, 8, " 12345.6"}, {F, -1234567.0, 8, "-1234567"},
+    {F, 1234567.0, 8, " 1234567"}, {F, 12345678.0, 8, "12345678"}, {F, INFINITY, 8, "Huge!"},
+    {F, -INFINITY, 8, "Huge!"}, {F, NAN, 8, "Huge!"},
+    {dB, 1.0, 8, " 0.00"}, {dB, 0.5, 8, "-6.02"}, {dB, 0.001, 8, "-60.00"}, {dB, 0.0, 8, "-Inf"},
+    {dB, -1.0, 8, "-Inf"}, {Hz, 480.0, 8, " 100.00"}, {Hz, 0.0, 8, " 0.00"},
+    {ms, 480.0, 8, " 10.00"}, {ms, 48000.0, 8, " 1000.00"},
+    {I, 0, 16, "0"}, {I, 7, 16, "7"}, {I, 1050, 16, "1050"}, {I, -42, 16, "-42"},
+    {I, 99999999, 16, "99999999"}, {I, 100000000, 16, "Huge!"}, {I, -123456789, 16, "-123456789"},
+    {I, -999999999, 16, "-999999999"}, {I, -1000000000, 16, "Huge!"}, {I, INT_MIN, 16, "Huge!"},
+    {I, INT_MAX, 16, "Huge!"},
     // bounded writes keep the first characters
-    {F, 1234.5f, 4, " 123"}, {F, -1.5f, 6, "-1.50"}, {F, 1.0f, 0, ""}, {dB, 0.0f, 2, "-I"},
-    {F, 1e9f, 3, "Hug"},
+    {F, 1234.5, 4, " 123"}, {F, -1.5, 6, "-1.50"}, {F, 1.0, 0, ""}, {dB, 0.0, 2, "-I"},
+    {F, 1e9, 3, "Hug"}, {I, 1050, 2, "10"}, {I, -42, 3, "-42"},
 };
 // clang-format on
 
-TEST(ValueText, FloatFormsTable) {
+TEST(ValueText, EveryFormWritesItsTextWithinTheLimit) {
   PlainEffect fx;
   fx.setSampleRate(48000.0f);
-  for (const FloatCase& c : kFloatCases) {
-    EXPECT_EQ(written(c.maxLen, [&](char* t, VstInt32 n) { (fx.*c.op)(c.value, t, n); }), c.text)
-        << c.value << " at maxLen " << c.maxLen;
+  for (const TextCase& c : kCases) {
+    SCOPED_TRACE(testing::Message() << c.value << " at maxLen " << c.maxLen);
+    EXPECT_EQ(written(c.maxLen, [&](char* t, VstInt32 n) { c.op(fx, c.value, t, n); }), c.text);
   }
-}
-
-TEST(ValueText, Int2StringTable) {
-  struct IntCase {
-    VstInt32 value, maxLen;
-    const char* text;
-  };
-  constexpr IntCase kCases[] = {{0, 16, "0"},
-                                {7, 16, "7"},
-                                {1050, 16, "1050"},
-                                {-42, 16, "-42"},
-                                {99999999, 16, "99999999"},
-                                {100000000, 16, "Huge!"},
-                                {-123456789, 16, "-123456789"},
-                                {-999999999, 16, "-999999999"},
-                                {-1000000000, 16, "Huge!"},
-                                {INT_MIN, 16, "Huge!"},
-                                {INT_MAX, 16, "Huge!"},
-                                {1050, 2, "10"},
-                                {-42, 3, "-42"}};
-  PlainEffect fx;
-  for (const IntCase& c : kCases) {
-    EXPECT_EQ(written(c.maxLen, [&](char* t, VstInt32 n) { fx.int2string(c.value, t, n); }), c.text)
-        << c.value << " at maxLen " << c.maxLen;
-  }
-}
-
-TEST(ValueText, DerivedFormsGoThroughTheVirtualFloat2String) {
-  struct Spy : PlainEffect {
-    float seen = 0.0f;
-    void float2string(float value, char* text, VstInt32) override { seen = value, text[0] = 0; }
-  } fx;
-  char text[16];
-  fx.dB2string(0.5f, text, 8);
-  EXPECT_NEAR(fx.seen, -6.0206f, 1e-4f);
-  fx.Hz2string(441.0f, text, 8);
-  EXPECT_EQ(fx.seen, 100.0f);
-  fx.ms2string(44100.0f, text, 8);
-  EXPECT_EQ(fx.seen, 1000.0f);
 }
 
 }  // namespace

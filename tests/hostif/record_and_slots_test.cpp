@@ -1,0 +1,119 @@
+// What a host compiled elsewhere sees of a plain effect: the record's fields and flag bits, the
+// module description, and the vtable slot order (slot numbers counted from the published order,
+// not from the headers, must reach the right operations on a real object).
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "test_support.h"
+
+namespace {
+
+TEST(Record, NewEffectFillsTheRecordAndZeroesTheRest) {
+  PlainEffect fx(nullptr, 16);
+  const AEffect& r = *fx.getAeffect();
+  EXPECT_EQ(&r, &fx.cEffect);
+  EXPECT_TRUE(r.dispatcher && r.process && r.setParameter && r.getParameter && r.processReplacing &&
+              r.processDoubleReplacing);
+  EXPECT_TRUE(r.magic == 0x56737450 && r.numPrograms == 16 && r.numParams == 6);
+  EXPECT_TRUE(r.numInputs == 1 && r.numOutputs == 2 && r.flags == effFlagsCanReplacing);
+  EXPECT_TRUE(r.uniqueID == 0x4E6F4566 && r.version == 1 && r.ioRatio == 1.0f);
+  EXPECT_EQ(r.object, static_cast<AudioEffect*>(&fx));
+  EXPECT_TRUE(r.resvd1 == 0 && r.resvd2 == 0 && r.initialDelay == 0 && r.realQualities == 0 &&
+              r.offQualities == 0 && r.user == nullptr);
+  EXPECT_EQ(std::count(std::begin(r.future), std::end(r.future), 0), 56);
+  EXPECT_TRUE(fx.getSampleRate() == 44100.0f && fx.getBlockSize() == 1024);
+  EXPECT_TRUE(fx.getProgram() == 0 && fx.getEditor() == nullptr);
+}
+
+AEffEditor gEditor;  // attached and detached again, so the effect never deletes it
+
+TEST(Record, EachFlagSetterChangesOnlyItsOwnBit) {
+  using E = PlainEffect;
+  const std::pair<void (*)(E&, bool), VstInt32> setters[] = {
+      {[](E& e, bool on) { e.setEditor(on ? &gEditor : nullptr); }, effFlagsHasEditor},
+      {[](E& e, bool on) { e.__hasClipDeprecated(on); }, effFlagsHasClip},
+      {[](E& e, bool on) { e.__hasVuDeprecated(on); }, effFlagsHasVu},
+      {[](E& e, bool on) { e.__canMonoDeprecated(on); }, effFlagsCanMono},
+      {[](E& e, bool on) { e.canProcessReplacing(on); }, effFlagsCanReplacing},
+      {[](E& e, bool on) { e.programsAreChunks(on); }, effFlagsProgramChunks},
+      {[](E& e, bool on) { e.isSynth(on); }, effFlagsIsSynth},
+      {[](E& e, bool on) { e.noTail(on); }, effFlagsNoSoundInStop},
+      {[](E& e, bool on) { e.__wantAsyncOperationDeprecated(on); }, effFlagsExtIsAsync},
+      {[](E& e, bool on) { e.__hasExternalBufferDeprecated(on); }, effFlagsExtHasBuffer},
+      {[](E& e, bool on) { e.canDoubleReplacing(on); }, effFlagsCanDoubleReplacing}};
+  for (VstInt32 before : {0, ~0, 0x5A5A5A5A}) {
+    for (const auto& [set, bit] : setters) {
+      PlainEffect fx;
+      fx.cEffect.flags = before;
+      set(fx, true);
+      EXPECT_EQ(fx.cEffect.flags, before | bit) << bit;
+      set(fx, false);
+      EXPECT_EQ(fx.cEffect.flags, before & ~bit) << bit;
+    }
+  }
+}
+
+TEST(ModuleDescription, DefaultsIgnoreTheJackAndTheHooksChangeNothing) {
+  PlainEffect fx;
+  for (VstInt32 jack : {-1, 0, 1, 100}) {
+    EXPECT_TRUE(fx.getNumOfInSig(jack) == 2 && fx.getNumOfOutSig(jack) == 1) << jack;
+    EXPECT_TRUE(fx.getStartNumInSig(jack) == 0 && fx.getStartNumOutSig(jack) == 0) << jack;
+  }
+  EXPECT_TRUE(fx.getNumOfInJacks() == 1 && fx.getNumOfOutJacks() == 1);
+  EXPECT_TRUE(fx.getDryInSigNum() == -1 && fx.getHeaderVersion() == 1);
+  const AEffect before = fx.cEffect;
+  fx.setListner(static_cast<Orv_VstListner*>(kPtr));
+  fx.setTime(12.5f);
+  char text[16] = "untouched";
+  fx.getParameterDisplayOf(1, 0.5f, text);
+  EXPECT_STREQ(text, "untouched");
+  EXPECT_EQ(std::memcmp(&before, &fx.cEffect, sizeof before), 0);
+}
+
+// Calls the operation in slot n of obj's vtable, as a host compiled elsewhere would. The
+// destructor takes slots 0 and 1; AudioEffectX's operations start at 51, Orv_TypeBase's at 153.
+template <typename R, typename... Args>
+R callSlot(AudioEffect& obj, int n, Args... args) {
+  void** vtable = *reinterpret_cast<void***>(&obj);
+  return reinterpret_cast<R (*)(AudioEffect*, Args...)>(vtable[n])(&obj, args...);
+}
+
+// Distinct answers, so a call that lands one slot off gives a wrong one.
+struct SlotProbe : PlainEffect {
+  float getParameter(VstInt32 index) override { return 0.5f * index; }
+  bool canParameterBeAutomated(VstInt32 index) override { return index == 3; }
+  VstPlugCategory getPlugCategory() override { return kPlugCategEffect; }
+  VstInt32 getNumOfInSig(VstInt32 jack) override { return 100 + jack; }
+  VstInt32 getDryInSigNum() override { return -7; }
+  void setTime(float t) override { time = t; }
+  float time = 0.0f;
+};
+
+TEST(SlotOrder, CallsBySlotNumberReachTheRightOperations) {
+  SlotProbe p;
+  using I = VstInt32;
+  EXPECT_EQ((callSlot<VstIntPtr, I, I, VstIntPtr, void*, float>(p, 2, 58, 0, 0, nullptr, 0.0f)),
+            2400);                                   // dispatcher, effGetVstVersion
+  EXPECT_EQ((callSlot<float, I>(p, 12, 4)), 2.0f);   // getParameter
+  EXPECT_EQ(callSlot<AEffect*>(p, 31), &p.cEffect);  // getAeffect
+  char text[16];
+  callSlot<void, I, char*, I>(p, 43, 1050, text, 8);  // int2string
+  EXPECT_STREQ(text, "1050");
+  callSlot<void, I>(p, 50, 9);  // __setOfflineQualitiesDeprecated, AudioEffect's last
+  EXPECT_EQ(p.cEffect.offQualities, 9);
+  EXPECT_TRUE((callSlot<bool, I>(p, 51, 3)) && !(callSlot<bool, I>(p, 51, 2)));  // canBeAutomated
+  EXPECT_EQ(callSlot<VstPlugCategory>(p, 100), kPlugCategEffect);                // getPlugCategory
+  EXPECT_EQ((callSlot<I, I, void*>(p, 102, 0, nullptr)), -1);  // getCurrentMidiProgram
+  EXPECT_FALSE((callSlot<bool, void*>(p, 152, kPtr)));         // __getChunkFileDeprecated, X's last
+  EXPECT_EQ(callSlot<I>(p, 153), 1);                           // getNumOfInJacks
+  EXPECT_EQ((callSlot<I, I>(p, 155, 5)), 105);                 // getNumOfInSig
+  EXPECT_EQ(callSlot<I>(p, 159), -7);                          // getDryInSigNum
+  EXPECT_EQ(callSlot<I>(p, 162), 1);                           // getHeaderVersion
+  callSlot<void, float>(p, 163, 1.5f);                         // setTime, the last
+  EXPECT_EQ(p.time, 1.5f);
+}
+
+}  // namespace
