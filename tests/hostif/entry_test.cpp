@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <vector>
 
 #include "hostif/orv_typeif.h"
 #include "test_support.h"
@@ -32,7 +33,9 @@ struct EntryEffect : PlainEffect {
 
 class EntryPoints : public ::testing::TestWithParam<Orv_TypeIF* (*)(audioMasterCallback)> {
  protected:
-  void SetUp() override { gFactory = Factory{}, gHost.clear(), gHost.answers[1] = 2400; }
+  void SetUp() override {
+    gFactory = Factory{}, gHost.clear(), gHost.answers[audioMasterVersion] = 2400;
+  }
   Orv_TypeIF* enter() { return GetParam()(recordingHost); }
 };
 
@@ -44,20 +47,28 @@ AudioEffect* createPluginFilter(audioMasterCallback audioMaster) {
 
 namespace {
 
-TEST_P(EntryPoints, AskTheHostVersionFirstAndOnlyVersionZeroRefuses) {
+TEST_P(EntryPoints, OnlyVersionZeroRefusesAndEachInstanceOutlivesItsHandleUntilEffClose) {
+  std::vector<AEffect*> effects;
   for (VstIntPtr version : {0, 1, 2, 2400}) {
     gHost.clear();
     gHost.answers[audioMasterVersion] = version;
     Orv_TypeIF* handle = enter();
-    ASSERT_FALSE(gHost.calls.empty());
-    EXPECT_EQ(gHost.calls[0], (HostCall{nullptr, audioMasterVersion, 0, 0, nullptr, 0.0f}));
+    const HostCall versionRequest{nullptr, audioMasterVersion, 0, 0, nullptr, 0.0f};
+    EXPECT_EQ(gHost.calls.at(0), versionRequest);
     ASSERT_EQ(handle != nullptr, version != 0) << version;
     if (!handle) continue;
     EXPECT_EQ(handle->aeffect, gFactory.last);
-    EXPECT_EQ(send(handle->aeffect, effClose), 1);
+    effects.push_back(handle->aeffect);
     delete handle;
   }
   EXPECT_EQ(GetParam()(nullptr), nullptr) << "no callback is a refusal";
+  ASSERT_EQ(effects.size(), 3u);
+  EXPECT_TRUE(effects[0] != effects[1] && effects[0]->object != effects[1]->object);
+  EXPECT_EQ(gFactory.destroyed, 0);
+  send(effects[0], effSetProgram, 0, 3);
+  EXPECT_EQ(send(effects[0], effGetProgram), 3);
+  EXPECT_EQ(send(effects[1], effGetProgram), 0);
+  for (AEffect* e : effects) EXPECT_EQ(send(e, effClose), 1);
   EXPECT_TRUE(gFactory.created == 3 && gFactory.destroyed == 3);
 }
 
@@ -76,23 +87,6 @@ TEST_P(EntryPoints, ExceptionsWhileCreatingGiveNoEffectButFillingTheHandlePropag
   EXPECT_THROW(enter(), int);
   send(gFactory.last, effClose);
   EXPECT_TRUE(gFactory.created == 2 && gFactory.destroyed == 2);
-}
-
-TEST_P(EntryPoints, EachCallMakesItsOwnInstanceWhichOutlivesItsHandleUntilEffClose) {
-  Orv_TypeIF* a = enter();
-  Orv_TypeIF* b = enter();
-  ASSERT_TRUE(a && b);
-  EXPECT_NE(a->aeffect, b->aeffect);
-  EXPECT_NE(a->aeffect->object, b->aeffect->object);
-  AEffect* e = a->aeffect;
-  delete a;
-  EXPECT_EQ(gFactory.destroyed, 0);
-  send(e, effSetProgram, 0, 3);
-  EXPECT_EQ(send(e, effGetProgram), 3);
-  EXPECT_EQ(send(e, effClose), 1);
-  EXPECT_EQ(gFactory.destroyed, 1);
-  send(b->aeffect, effClose);
-  delete b;
 }
 
 INSTANTIATE_TEST_SUITE_P(BothNames, EntryPoints, ::testing::Values(&getinterface, &OrvTypeIF));

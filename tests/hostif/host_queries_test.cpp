@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
 #include <type_traits>
 
 #include "test_support.h"
@@ -90,15 +89,15 @@ const Query kQueries[] = {
 };
 // clang-format on
 
-TEST(HostQueries, RecordingHostSeesWhatTheEffectSendsAndAnswersPerOpcode) {
+TEST(HostQueries, RecordingHostSeesWhatTheEffectSendsButNoNullPointer) {
   gHost.clear();
   gHost.answers[audioMasterVersion] = 2400;
   PlainEffect fx(recordingHost);
   EXPECT_EQ(fx.getMasterVersion(), 2400);
-  EXPECT_EQ(fx.masterIdle(), 0);
-  ASSERT_EQ(gHost.calls.size(), 2u);
-  EXPECT_EQ(gHost.calls[0], (HostCall{fx.getAeffect(), audioMasterVersion, 0, 0, nullptr, 0}));
-  EXPECT_EQ(gHost.calls[1].opcode, audioMasterIdle);
+  EXPECT_FALSE(fx.openFileSelector(nullptr) || fx.closeFileSelector(nullptr) ||
+               fx.__getChunkFileDeprecated(nullptr));
+  const HostCall version{fx.getAeffect(), audioMasterVersion, 0, 0, nullptr, 0.0f};
+  EXPECT_EQ(gHost.calls, std::vector<HostCall>{version});
 }
 
 TEST(HostQueries, EachSendsExactlyItsRequestAndReadsTheAnswer) {
@@ -113,32 +112,6 @@ TEST(HostQueries, EachSendsExactlyItsRequestAndReadsTheAnswer) {
     EXPECT_EQ(gHost.calls, std::vector<HostCall>{request});
     EXPECT_EQ(q.ask(alone), q.resultWithoutHost);
   }
-}
-
-TEST(HostQueries, NullPointersAreNotSentToTheHost) {
-  gHost.clear();
-  PlainEffect fx(recordingHost);
-  EXPECT_FALSE(fx.openFileSelector(nullptr));
-  EXPECT_FALSE(fx.closeFileSelector(nullptr));
-  EXPECT_FALSE(fx.__getChunkFileDeprecated(nullptr));
-  EXPECT_TRUE(gHost.calls.empty());
-}
-
-TEST(HostQueries, ResumeAsksForMidiOnlyForSynthsAndMidiReceivers) {
-  struct Midi : PlainEffect {
-    VstInt32 answer = 0;
-    Midi() : PlainEffect(recordingHost) {}
-    VstInt32 canDo(char* text) override {
-      return std::string(text) == "receiveVstMidiEvent" ? answer : 1;
-    }
-  } fx;
-  gHost.clear();
-  for (VstInt32 answer : {0, 2, 1}) fx.answer = answer, fx.resume();
-  fx.answer = 0;
-  fx.isSynth(true);
-  send(fx.getAeffect(), effMainsChanged, 0, 1);
-  const HostCall wantMidi{fx.getAeffect(), audioMasterWantMidi, 0, 1, nullptr, 0.0f};
-  EXPECT_EQ(gHost.calls, (std::vector<HostCall>{wantMidi, wantMidi}));
 }
 
 }  // namespace

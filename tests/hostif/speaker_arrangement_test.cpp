@@ -20,18 +20,16 @@ TEST(SpeakerArrangement, AllocationHoldsExactlyItsSpeakersZeroFilled) {
   PlainEffect fx;
   VstSpeakerArrangement* a = nullptr;
   ASSERT_TRUE(fx.allocateArrangement(&a, 2));
+  const auto* bytes = reinterpret_cast<const char*>(a);
   EXPECT_TRUE(a->numChannels == 2 && a->type == 0);
-  const auto* bytes = reinterpret_cast<const char*>(a->speakers);
-  EXPECT_EQ(std::count(bytes, bytes + 2 * 112, 0), 2 * 112);
+  EXPECT_EQ(std::count(bytes + 8, bytes + 8 + 2 * 112, 0), 2 * 112);
   ASSERT_TRUE(fx.allocateArrangement(&a, 10));  // releases the first block
   EXPECT_TRUE(a->numChannels == 10 && speaker(a, 9).type == 0);
   EXPECT_FALSE(fx.allocateArrangement(&a, -1));  // an impossible size fails with a null target
   EXPECT_EQ(a, nullptr);
   EXPECT_FALSE(fx.allocateArrangement(nullptr, 1));
   ASSERT_TRUE(fx.allocateArrangement(&a, 1));
-  EXPECT_TRUE(fx.deallocateArrangement(&a));
-  EXPECT_EQ(a, nullptr);
-  EXPECT_TRUE(fx.deallocateArrangement(&a));
+  EXPECT_TRUE(fx.deallocateArrangement(&a) && a == nullptr && fx.deallocateArrangement(&a));
 }
 
 TEST(SpeakerArrangement, CopySpeakerCopiesEveryFieldAndCutsTheNameTo63Characters) {
@@ -42,9 +40,8 @@ TEST(SpeakerArrangement, CopySpeakerCopiesEveryFieldAndCutsTheNameTo63Characters
   for (int i = 0; i < 28; ++i) from.future[i] = static_cast<char>(i + 1);
   ASSERT_TRUE(fx.copySpeaker(&to, &from));
   EXPECT_EQ(std::string(to.name), std::string(63, 'L'));
-  EXPECT_TRUE(to.azimuth == 0.5f && to.elevation == -0.25f && to.radius == 2.0f);
-  EXPECT_TRUE(to.reserved == 3.0f && to.type == 7);
-  EXPECT_EQ(std::memcmp(to.future, from.future, 28), 0);
+  std::memcpy(to.name, from.name, sizeof to.name);  // the rest of the record is an exact copy
+  EXPECT_EQ(std::memcmp(&to, &from, sizeof to), 0);
   std::strcpy(from.name, "L");
   ASSERT_TRUE(fx.copySpeaker(&to, &from));
   EXPECT_EQ(std::count(to.name + 1, to.name + 64, 0), 63) << "short names are zero-padded";
@@ -63,8 +60,7 @@ TEST(SpeakerArrangement, MatchCopiesEveryChannelThroughTheVirtualOperations) {
   from->type = 3;
   for (int i = 0; i < 10; ++i) speaker(from, i).type = 100 + i;
   ASSERT_TRUE(fx.matchArrangement(&to, from));
-  EXPECT_EQ(fx.copies, 10);
-  ASSERT_TRUE(to->type == 3 && to->numChannels == 10);
+  ASSERT_TRUE(fx.copies == 10 && to->type == 3 && to->numChannels == 10);
   for (int i = 0; i < 10; ++i) EXPECT_EQ(speaker(to, i).type, 100 + i);
   fx.copies = 0, fx.failAt = 1;
   EXPECT_FALSE(fx.matchArrangement(&to, from));
@@ -73,8 +69,7 @@ TEST(SpeakerArrangement, MatchCopiesEveryChannelThroughTheVirtualOperations) {
   EXPECT_FALSE(fx.matchArrangement(&to, nullptr));
   EXPECT_EQ(to, kept);
   from->numChannels = 0;
-  ASSERT_TRUE(fx.matchArrangement(&to, from));
-  EXPECT_EQ(to->numChannels, 0);
+  ASSERT_TRUE(fx.matchArrangement(&to, from) && to->numChannels == 0);
   fx.deallocateArrangement(&to);
   fx.deallocateArrangement(&from);
 }
