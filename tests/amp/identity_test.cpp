@@ -1,20 +1,14 @@
-// What a host reads from a fresh instance through the record: identity, counts, flags, module
-// description, and the two entry points.
+// What a host reads from a fresh instance through the record and the module description, and the
+// two entry points.
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "loaded_plugin.h"
-
-namespace amp_test {
-namespace {
 
 TEST(Identity, RecordAnnouncesAMonoDoublePrecisionEffect) {
   LoadedPlugin plugin;
   const AEffect* e = plugin.effect();
   ASSERT_NE(e, nullptr);
   EXPECT_EQ(e->magic, kEffectMagic);
-  EXPECT_EQ(e->uniqueID, 0x42313030);
   EXPECT_EQ(std::memcmp(&e->uniqueID, "001B", 4), 0);
   EXPECT_EQ(e->numInputs, 1);
   EXPECT_EQ(e->numOutputs, 1);
@@ -25,16 +19,13 @@ TEST(Identity, RecordAnnouncesAMonoDoublePrecisionEffect) {
 
 TEST(Identity, NamesVersionAndCategory) {
   LoadedPlugin plugin;
-  char text[kVstMaxProductStrLen + 1];
-  std::memset(text, 'x', sizeof text);
-  EXPECT_EQ(plugin.dispatch(effGetEffectName, 0, 0, text), 1);
-  EXPECT_STREQ(text, "NEW Tarnwell");
-  std::memset(text, 'x', sizeof text);
-  EXPECT_EQ(plugin.dispatch(effGetProductString, 0, 0, text), 1);
-  EXPECT_STREQ(text, "NEW Tarnwell");
-  std::memset(text, 'x', sizeof text);
-  EXPECT_EQ(plugin.dispatch(effGetVendorString, 0, 0, text), 0);
-  EXPECT_EQ(text[0], 'x');
+  VstIntPtr result = 0;
+  EXPECT_EQ(plugin.text(effGetEffectName, 0, &result), "NEW Tarnwell");
+  EXPECT_EQ(result, 1);
+  EXPECT_EQ(plugin.text(effGetProductString, 0, &result), "NEW Tarnwell");
+  EXPECT_EQ(result, 1);
+  EXPECT_EQ(plugin.text(effGetVendorString, 0, &result), std::string(64, 'x'));
+  EXPECT_EQ(result, 0);
   EXPECT_EQ(plugin.dispatch(effGetVendorVersion), 1000);
   EXPECT_EQ(plugin.dispatch(effGetPlugCategory), kPlugCategEffect);
   EXPECT_EQ(plugin.dispatch(effGetProgram), 0);
@@ -56,21 +47,9 @@ TEST(Identity, ModuleDescriptionIsOneMonoJackEachWayForAnyJack) {
 }
 
 TEST(Identity, BothEntryPointsMakeSeparateInstances) {
-  LoadedPlugin first(entryPoint("getinterface"));
-  LoadedPlugin second(entryPoint("OrvTypeIF"));
-  ASSERT_NE(first.effect(), nullptr);
-  ASSERT_NE(second.effect(), nullptr);
-  EXPECT_NE(first.effect(), second.effect());
+  LoadedPlugin first(entryPoint("getinterface")), second(entryPoint("OrvTypeIF"));
+  ASSERT_TRUE(first.effect() && second.effect() && first.effect() != second.effect());
   EXPECT_EQ(second.effect()->uniqueID, first.effect()->uniqueID);
   first.setParameter(3, 0.9f);
   EXPECT_EQ(second.getParameter(3), 0.5f);
 }
-
-TEST(Identity, ClosingAnInstanceThatNeverSawARateIsClean) {
-  // Only the program bank and the mutex exist; the sanitizer builds check nothing leaks.
-  LoadedPlugin plugin;
-  EXPECT_EQ(plugin.getParameter(1), 0.0f);
-}
-
-}  // namespace
-}  // namespace amp_test
