@@ -205,8 +205,7 @@ TEST(Dispatcher, DefaultsAnswerAsDocumented) {
   fx.isSynth(true);
   EXPECT_EQ(send(e, effGetPlugCategory), kPlugCategSynth);
 
-  auto* in = static_cast<VstSpeakerArrangement*>(kPtr);
-  auto* out = in;
+  auto *in = static_cast<VstSpeakerArrangement*>(kPtr), *out = in;
   EXPECT_EQ(send(e, effGetSpeakerArrangement, 0, reinterpret_cast<VstIntPtr>(&in), &out), 0);
   EXPECT_TRUE(in == nullptr && out == nullptr);
   auto* rect = static_cast<ERect*>(kPtr);  // no editor: 0, and the rectangle is left alone
@@ -235,8 +234,7 @@ TEST(Dispatcher, EffCloseThroughTheRecordClosesAndDeletesEvenWhenOverridesThrow)
   e->setParameter(e, 0, 0.5f);
   EXPECT_EQ(e->getParameter(e, 0), 0.0f);
   EXPECT_EQ(send(e, effClose), 1);
-  EXPECT_EQ(closed, 1);
-  EXPECT_EQ(destroyed, 1);
+  EXPECT_TRUE(closed == 1 && destroyed == 1);
 }
 
 }  // namespace

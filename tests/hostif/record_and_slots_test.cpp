@@ -28,31 +28,32 @@ TEST(Record, NewEffectFillsTheRecordAndZeroesTheRest) {
   EXPECT_TRUE(fx.getProgram() == 0 && fx.getEditor() == nullptr);
 }
 
-AEffEditor gEditor;  // attached and detached again, so the effect never deletes it
-
 TEST(Record, EachFlagSetterChangesOnlyItsOwnBit) {
   using E = PlainEffect;
-  const std::pair<void (*)(E&, bool), VstInt32> setters[] = {
-      {[](E& e, bool on) { e.setEditor(on ? &gEditor : nullptr); }, effFlagsHasEditor},
-      {[](E& e, bool on) { e.__hasClipDeprecated(on); }, effFlagsHasClip},
-      {[](E& e, bool on) { e.__hasVuDeprecated(on); }, effFlagsHasVu},
-      {[](E& e, bool on) { e.__canMonoDeprecated(on); }, effFlagsCanMono},
-      {[](E& e, bool on) { e.canProcessReplacing(on); }, effFlagsCanReplacing},
-      {[](E& e, bool on) { e.programsAreChunks(on); }, effFlagsProgramChunks},
-      {[](E& e, bool on) { e.isSynth(on); }, effFlagsIsSynth},
-      {[](E& e, bool on) { e.noTail(on); }, effFlagsNoSoundInStop},
-      {[](E& e, bool on) { e.__wantAsyncOperationDeprecated(on); }, effFlagsExtIsAsync},
-      {[](E& e, bool on) { e.__hasExternalBufferDeprecated(on); }, effFlagsExtHasBuffer},
-      {[](E& e, bool on) { e.canDoubleReplacing(on); }, effFlagsCanDoubleReplacing}};
+  // clang-format off
+  const std::pair<void (E::*)(bool), VstInt32> setters[] = {
+      {&E::__hasClipDeprecated, effFlagsHasClip}, {&E::__hasVuDeprecated, effFlagsHasVu},
+      {&E::__canMonoDeprecated, effFlagsCanMono}, {&E::canProcessReplacing, effFlagsCanReplacing},
+      {&E::programsAreChunks, effFlagsProgramChunks}, {&E::isSynth, effFlagsIsSynth},
+      {&E::noTail, effFlagsNoSoundInStop}, {&E::canDoubleReplacing, effFlagsCanDoubleReplacing},
+      {&E::__wantAsyncOperationDeprecated, effFlagsExtIsAsync},
+      {&E::__hasExternalBufferDeprecated, effFlagsExtHasBuffer}};
+  // clang-format on
+  PlainEffect fx;
+  AEffEditor editor;  // attached and detached again, so the effect never deletes it
   for (VstInt32 before : {0, ~0, 0x5A5A5A5A}) {
     for (const auto& [set, bit] : setters) {
-      PlainEffect fx;
       fx.cEffect.flags = before;
-      set(fx, true);
+      (fx.*set)(true);
       EXPECT_EQ(fx.cEffect.flags, before | bit) << bit;
-      set(fx, false);
+      (fx.*set)(false);
       EXPECT_EQ(fx.cEffect.flags, before & ~bit) << bit;
     }
+    fx.cEffect.flags = before;
+    fx.setEditor(&editor);
+    EXPECT_EQ(fx.cEffect.flags, before | effFlagsHasEditor);
+    fx.setEditor(nullptr);
+    EXPECT_EQ(fx.cEffect.flags, before & ~effFlagsHasEditor);
   }
 }
 
