@@ -1,5 +1,5 @@
 // The exported entry points, driven as a host drives them. This file defines the factory the
-// entry points call, creating a counting test effect.
+// entry points call (at its end), creating a counting test effect.
 
 #include <gtest/gtest.h>
 
@@ -39,22 +39,13 @@ class EntryPoints : public ::testing::TestWithParam<Orv_TypeIF* (*)(audioMasterC
   Orv_TypeIF* enter() { return GetParam()(recordingHost); }
 };
 
-}  // namespace
-
-AudioEffect* createPluginFilter(audioMasterCallback audioMaster) {
-  return new EntryEffect(audioMaster);
-}
-
-namespace {
-
 TEST_P(EntryPoints, OnlyVersionZeroRefusesAndEachInstanceOutlivesItsHandleUntilEffClose) {
   std::vector<AEffect*> effects;
   for (VstIntPtr version : {0, 1, 2, 2400}) {
     gHost.clear();
     gHost.answers[audioMasterVersion] = version;
     Orv_TypeIF* handle = enter();
-    const HostCall versionRequest{nullptr, audioMasterVersion, 0, 0, nullptr, 0.0f};
-    EXPECT_EQ(gHost.calls.at(0), versionRequest);
+    EXPECT_EQ(gHost.calls.at(0), (HostCall{nullptr, audioMasterVersion, 0, 0, nullptr, 0.0f}));
     ASSERT_EQ(handle != nullptr, version != 0) << version;
     if (!handle) continue;
     EXPECT_EQ(handle->aeffect, gFactory.last);
@@ -67,7 +58,6 @@ TEST_P(EntryPoints, OnlyVersionZeroRefusesAndEachInstanceOutlivesItsHandleUntilE
   EXPECT_EQ(gFactory.destroyed, 0);
   send(effects[0], effSetProgram, 0, 3);
   EXPECT_EQ(send(effects[0], effGetProgram), 3);
-  EXPECT_EQ(send(effects[1], effGetProgram), 0);
   for (AEffect* e : effects) EXPECT_EQ(send(e, effClose), 1);
   EXPECT_TRUE(gFactory.created == 3 && gFactory.destroyed == 3);
 }
@@ -92,3 +82,7 @@ TEST_P(EntryPoints, ExceptionsWhileCreatingGiveNoEffectButFillingTheHandlePropag
 INSTANTIATE_TEST_SUITE_P(BothNames, EntryPoints, ::testing::Values(&getinterface, &OrvTypeIF));
 
 }  // namespace
+
+AudioEffect* createPluginFilter(audioMasterCallback audioMaster) {
+  return new EntryEffect(audioMaster);
+}

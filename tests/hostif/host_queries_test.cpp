@@ -11,8 +11,7 @@ namespace {
 
 using E = PlainEffect;
 
-// The marker pointer, as whichever pointer type a query takes.
-struct Ptr {
+struct Ptr {  // the marker pointer, as whichever pointer type a query takes
   template <typename T>
   operator T*() const {
     return static_cast<T*>(kPtr);

@@ -42,13 +42,11 @@ struct PlainEffect : Orv_TypeBase {
   explicit PlainEffect(audioMasterCallback host = nullptr, VstInt32 programs = 16)
       : Orv_TypeBase(host, programs, 6) {}
   void processReplacing(float**, float**, VstInt32) noexcept override {}
-  using AudioEffect::blockSize, AudioEffect::cEffect, AudioEffect::curProgram;
-  using AudioEffect::sampleRate;
+  using AudioEffect::cEffect, AudioEffect::curProgram, AudioEffect::sampleRate;
 };
 
-// A pointer a test hands over and then recognises.
 inline char gMarker[64];
-inline void* const kPtr = gMarker;
+inline void* const kPtr = gMarker;  // a pointer a test hands over and then recognises
 
 inline VstIntPtr send(AEffect* e, VstInt32 opcode, VstInt32 index = 5, VstIntPtr value = 9,
                       void* ptr = kPtr, float opt = 0.5f) {
