@@ -1,38 +1,57 @@
-// Shared by the host tests: where the command and the plug-ins are, a scratch directory per test,
-// audio files made and read with the audio library, the command run as a user runs it, and the
-// reference render done with the loader alone.
+// Shared by the host tests: scratch folders, audio files, the command run as a user runs it, and
+// the reference render (each channel through its own loader instance, block by block).
 #pragma once
 
+#include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sndfile.h>
-#include <sys/types.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <cmath>
 #include <filesystem>
+#include <fstream>
 #include <functional>
+#include <map>
 #include <string>
-#include <string_view>
 #include <vector>
+
+#include "host/plugin_instance.h"
 
 namespace host_test {
 
-constexpr std::string_view kCommand = TARNWELL_COMMAND;
-constexpr std::string_view kRealPlugin = TARNWELL_PLUGIN;  // empty when the amp is not built
-constexpr std::string_view kPluginDir = TEST_PLUGIN_DIR;
+namespace fs = std::filesystem;
+using tarnwell::host::PluginInstance;
+using tarnwell::host::PluginLibrary;
 
-std::filesystem::path testPlugin(std::string_view kind);  // tests/plugins/test_plugin_<kind>.so
+inline const std::string kAmp = TARNWELL_PLUGIN;
 
-// A fresh directory, removed with everything in it at the end of the test.
-class ScratchDir {
- public:
-  ScratchDir();
-  ~ScratchDir();
+inline std::string testPlugin(const std::string& kind) {
+  return TEST_PLUGIN_DIR "/test_plugin_" + kind + ".so";
+}
+
+inline std::string slurp(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+// A fresh folder, removed with all it holds at the end of the test.
+struct ScratchDir {
+  std::string path = fs::temp_directory_path() / "tarnwell-host-XXXXXX";
+  ScratchDir() {
+    if (mkdtemp(path.data()) == nullptr) throw std::runtime_error("no scratch folder");
+  }
   ScratchDir(const ScratchDir&) = delete;
-  ScratchDir& operator=(const ScratchDir&) = delete;
-  const std::filesystem::path& path() const { return path_; }
-  std::filesystem::path operator/(std::string_view name) const { return path_ / name; }
-  std::vector<std::string> entries() const;  // file names, sorted
-
- private:
-  std::filesystem::path path_;
+  ~ScratchDir() { fs::remove_all(path, ignored); }
+  std::error_code ignored;
+  std::string operator/(const std::string& name) const { return fs::path(path) / name; }
+  std::map<std::string, std::string> files() const {  // name -> bytes
+    std::map<std::string, std::string> files;
+    for (const auto& entry : fs::directory_iterator(path))
+      files[entry.path().filename()] = slurp(entry);
+    return files;
+  }
 };
 
 struct Audio {
@@ -40,32 +59,92 @@ struct Audio {
   std::vector<double> samples;  // interleaved
 };
 
-// A deterministic test signal: decaying tones per channel around -6 dBFS, different per channel.
-double testSignal(long frame, int channel, int rate);
+// By default a different low sine per channel, peaking at -6 dBFS.
+inline void writeAudio(const fs::path& path, int channels, int rate, int subtype, long frames,
+                       std::function<double(long, int)> sample = {}) {
+  if (!sample) sample = [](long i, int c) { return 0.5 * std::sin(0.008 * (c + 1) * i); };
+  SF_INFO info{0, rate, channels, SF_FORMAT_WAV | subtype, 0, 0};
+  std::vector<double> samples(frames * channels);
+  for (long i = 0; i < frames * channels; ++i) samples[i] = sample(i / channels, i % channels);
+  SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);
+  sf_writef_double(file, samples.data(), frames);
+  sf_close(file);
+}
 
-void writeAudio(const std::filesystem::path& path, int channels, int rate, int format, long frames,
-                const std::function<double(long, int)>& sample);
-Audio readAudio(const std::filesystem::path& path);
+inline Audio readAudio(const fs::path& path) {
+  Audio audio;
+  SNDFILE* file = sf_open(path.c_str(), SFM_READ, &audio.info);
+  audio.samples.resize(audio.info.frames * audio.info.channels);
+  sf_readf_double(file, audio.samples.data(), audio.info.frames);
+  sf_close(file);
+  return audio;
+}
+
+// Starts the command with its output into the given files.
+inline pid_t startCommand(std::vector<std::string> args, const std::string& out = "/dev/null",
+                          const std::string& err = "/dev/null") {
+  args.insert(args.begin(), TARNWELL_COMMAND);
+  std::vector<char*> argv;
+  for (std::string& a : args) argv.push_back(a.data());
+  argv.push_back(nullptr);
+  const pid_t pid = fork();
+  if (pid != 0) return pid;
+  dup2(open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDOUT_FILENO);
+  dup2(open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDERR_FILENO);
+  execv(argv[0], argv.data());
+  _exit(127);
+}
+
+inline int waitCommand(pid_t pid) {  // the exit code, or -signal when a signal ended it
+  int status = 0;
+  waitpid(pid, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
 
 struct Result {
-  int exitCode;  // -signal when a signal ended it
-  std::string out;
-  std::string err;
+  int exitCode;
+  std::string out, err;
 };
-Result runCommand(const std::vector<std::string>& args);
-pid_t startCommand(const std::vector<std::string>& args);  // output discarded
-int waitCommand(pid_t pid);                                // as Result::exitCode
+inline Result runCommand(const std::vector<std::string>& args) {
+  const ScratchDir logs;
+  const int code = waitCommand(startCommand(args, logs / "out", logs / "err"));
+  return {code, slurp(logs / "out"), slurp(logs / "err")};
+}
 
 struct Settings {
-  int program = 0;    // 1-based; 0 keeps the start-up program
+  int program = 0;    // as users count; 0 keeps the start-up program
   double volume = 0;  // dial 1..10; 0 leaves it
-  int blockFrames = 4096;
+  int block = 4096;
 };
-// Each channel through its own instance, block by block, as the command should do it.
-std::vector<double> referenceRender(const std::filesystem::path& plugin, const Audio& input,
-                                    const Settings& settings);
+inline std::vector<double> referenceRender(const std::string& plugin, const Audio& input,
+                                           const Settings& s) {
+  const int channels = input.info.channels;
+  const auto library = PluginLibrary::open(plugin);
+  std::vector<double> output(input.samples.size()), dry(s.block), wet(s.block);
+  for (int c = 0; c < channels; ++c) {
+    PluginInstance amp(library);
+    if (s.program > 0) amp.setProgram(s.program - 1);
+    if (s.volume > 0) amp.setParameter(2, static_cast<float>((s.volume - 1.0) / 9.0));
+    amp.prepare(input.info.samplerate, s.block);
+    for (long start = 0; start < input.info.frames; start += s.block) {
+      const int n = static_cast<int>(std::min<long>(s.block, input.info.frames - start));
+      for (int i = 0; i < n; ++i) dry[i] = input.samples[(start + i) * channels + c];
+      amp.process(dry.data(), wet.data(), n);
+      for (int i = 0; i < n; ++i) output[(start + i) * channels + c] = wet[i];
+    }
+  }
+  return output;
+}
 
-// The samples as a float file stores them.
-std::vector<double> roundedToFloat(std::vector<double> samples);
+// The file holds `want` as its format stores it (float or double here).
+inline testing::AssertionResult holds(const Audio& file, std::vector<double> want) {
+  const bool single = (file.info.format & SF_FORMAT_SUBMASK) == SF_FORMAT_FLOAT;
+  for (double& s : want) s = single ? static_cast<float>(s) : s;
+  if (file.samples.size() != want.size()) return testing::AssertionFailure() << "length differs";
+  const auto [got, wanted] = std::ranges::mismatch(file.samples, want);
+  if (got == file.samples.end()) return testing::AssertionSuccess();
+  return testing::AssertionFailure()
+         << "sample " << got - file.samples.begin() << ": " << *got << " != " << *wanted;
+}
 
 }  // namespace host_test

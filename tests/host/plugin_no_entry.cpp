@@ -1,4 +1,0 @@
-// A library that loads but exports no entry point.
-extern "C" __attribute__((visibility("default"))) int notAnEntryPoint() {
-  return 0;
-}
