@@ -43,9 +43,9 @@ constexpr TextCase kCases[] = {
     {I, 99999999, 16, "99999999"}, {I, 100000000, 16, "Huge!"}, {I, -123456789, 16, "-123456789"},
     {I, -999999999, 16, "-999999999"}, {I, -1000000000, 16, "Huge!"}, {I, INT_MIN, 16, "Huge!"},
     {I, INT_MAX, 16, "Huge!"},
-    // bounded writes keep the first characters
-    {F, 1234.5, 4, " 123"}, {F, -1.5, 6, "-1.50"}, {F, 1.0, 0, ""}, {dB, 0.0, 2, "-I"},
-    {F, 1e9, 3, "Hug"}, {I, 1050, 2, "10"}, {I, -42, 3, "-42"},
+    // bounded writes keep the first characters, also when the decimals are cut
+    {F, 1234.5, 4, " 123"}, {F, 1.5, 4, " 1.5"}, {F, -1.5, 6, "-1.50"}, {F, 1.0, 0, ""},
+    {dB, 0.0, 2, "-I"}, {F, 1e9, 3, "Hug"}, {I, 1050, 2, "10"}, {I, -42, 3, "-42"},
 };
 // clang-format on
 
