@@ -1,5 +1,5 @@
 // Replays fuzz inputs without libFuzzer, so the seed corpus and any saved reproducer run in the
-// ordinary test suite with the ordinary compiler and sanitizers.
+// ordinary suite with the ordinary compiler and sanitizers.
 //
 //   reliability_fuzz_replay <file or directory>...
 #include <cstdint>
@@ -11,32 +11,18 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
-namespace {
-
-void replay(const std::filesystem::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(in),
-                                        std::istreambuf_iterator<char>()};
-  LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
-}
-
-}  // namespace
-
 int main(int argc, char** argv) {
-  int replayed = 0;
+  namespace fs = std::filesystem;
+  std::vector<fs::path> files(argv + 1, argv + argc);
   for (int a = 1; a < argc; ++a) {
-    const std::filesystem::path path(argv[a]);
-    if (std::filesystem::is_directory(path)) {
-      for (const auto& entry : std::filesystem::directory_iterator(path)) {
-        if (entry.is_regular_file()) {
-          replay(entry.path());
-          ++replayed;
-        }
-      }
-    } else {
-      replay(path);
-      ++replayed;
-    }
+    if (fs::is_directory(argv[a])) files.insert(files.end(), fs::directory_iterator(argv[a]), {});
+  }
+  int replayed = 0;
+  for (const fs::path& file : files) {
+    if (!fs::is_regular_file(file)) continue;
+    std::ifstream in(file, std::ios::binary);
+    const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(in), {}};
+    replayed += LLVMFuzzerTestOneInput(bytes.data(), bytes.size()) == 0;
   }
   std::printf("%d inputs replayed\n", replayed);
   return replayed > 0 ? 0 : 1;

@@ -1,13 +1,11 @@
-// A minimal host that drives one plug-in instance through its boundary only: an entry point, the
-// AEffect record's dispatcher, parameter functions and double-precision process function. It is
-// what a strict validator sees; nothing here knows the effect's classes.
-//
-// The entry point is passed in, so the same code serves a plug-in linked into the program and one
-// loaded from the shared library. An instance is used from one thread at a time, except that
-// parameters may be set from another thread while it processes, as a host's automation does.
+// A minimal host that drives instances through their boundary only (entry point, dispatcher,
+// parameter and double-precision process functions), as a strict validator sees them, and plays
+// deterministic sessions: noise bit-identical on every target (integer generator, exact scaling)
+// and requests drawn from a seeded sequence, so a session replayed on another instance, thread or
+// build hears the same. One thread at a time per instance, except for parameter stores.
 #pragma once
 
-#include <atomic>
+#include <cstdint>
 
 #include "hostif/orv_typeif.h"
 #include "hostif/vst_abi.h"
@@ -16,41 +14,77 @@ namespace reliability {
 
 using EntryProc = Orv_TypeIF* (*)(audioMasterCallback);
 
-// Host callback: answers audioMasterVersion with 2400 and everything else with 0. Counts the
-// version requests, so a test can prove the plug-in really calls it.
-VstIntPtr hostCallback(AEffect* effect, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr,
-                       float opt);
-extern std::atomic<long> versionRequests;
-
+// Opened on construction, closed through effClose on destruction; effect() is null if the entry
+// point (of the plug-in linked in, or of one loaded) made no instance.
 class PluginInstance {
  public:
-  // Creates an instance through `entry` and opens it. effect() is null if the entry point
-  // returned no instance.
-  explicit PluginInstance(EntryProc entry);
-  // Closes the instance through its record (effClose), unless close() already did.
-  ~PluginInstance();
-
+  explicit PluginInstance(EntryProc entry) {
+    if (Orv_TypeIF* handle = entry(hostCallback)) {
+      effect_ = handle->aeffect;
+      delete handle;  // owns nothing; a host may drop it at once
+    }
+    if (effect_ != nullptr) dispatch(effOpen);
+  }
+  ~PluginInstance() {
+    if (effect_ != nullptr) dispatch(effClose);
+  }
   PluginInstance(const PluginInstance&) = delete;
   PluginInstance& operator=(const PluginInstance&) = delete;
 
   AEffect* effect() const { return effect_; }
-
-  VstIntPtr dispatch(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr,
-                     float opt = 0.0f);
+  VstIntPtr dispatch(VstInt32 op, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr,
+                     float opt = 0.0f) {
+    return effect_->dispatcher(effect_, op, index, value, ptr, opt);
+  }
   void setSampleRate(float rate) { dispatch(effSetSampleRate, 0, 0, nullptr, rate); }
-  void setProgram(int program) { dispatch(effSetProgram, 0, program); }
-  void setParameter(VstInt32 index, float value);
-  float getParameter(VstInt32 index);
-
-  // One block through processDoubleReplacing, one input and one output channel; `in` may equal
-  // `out`.
-  void process(double* in, double* out, VstInt32 frames);
-
-  // Dispatches effClose; the record is gone afterwards.
-  void close();
+  void setProgram(VstIntPtr program) { dispatch(effSetProgram, 0, program); }
+  void setParameter(VstInt32 index, float value) { effect_->setParameter(effect_, index, value); }
+  float getParameter(VstInt32 index) { return effect_->getParameter(effect_, index); }
+  // Every stage in play: DEEP on, TREBLE above the trim step.
+  void setAudible() {
+    const float values[] = {1.0f, 0.6f, 0.7f, 0.4f, 0.8f};
+    for (VstInt32 p = 1; p <= 5; ++p) setParameter(p, values[p - 1]);
+  }
+  void process(double* in, double* out, VstInt32 frames) {  // `in` may equal `out`
+    effect_->processDoubleReplacing(effect_, &in, &out, frames);
+  }
 
  private:
+  static VstIntPtr hostCallback(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {
+    return opcode == audioMasterVersion ? 2400 : 0;
+  }
   AEffect* effect_ = nullptr;
 };
+
+// splitmix64: a full-period 64-bit sequence, one state word.
+class NoiseSource {
+ public:
+  explicit NoiseSource(std::uint64_t seed) : state_(seed) {}
+  std::uint64_t nextWord() {
+    std::uint64_t z = (state_ += 0x9E3779B97F4A7C15ull);
+    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
+    z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
+    return z ^ (z >> 31);
+  }
+  // Uniform in [-1, 1): 53 random bits, scaled exactly.
+  double nextSample() { return static_cast<double>(nextWord() >> 11) * 0x1.0p-52 - 1.0; }
+  void fill(double* out, int n) {
+    for (int i = 0; i < n; ++i) out[i] = nextSample();
+  }
+
+ private:
+  std::uint64_t state_;
+};
+
+// One block of a session: a value in 0..1 stored to one of the five parameters (DEEP now and then
+// exactly 0 or 1), one time in four a program change, then the samples.
+inline void playBlock(PluginInstance& plugin, NoiseSource& random, double* in, double* out,
+                      int frames) {
+  const auto index = static_cast<VstInt32>(1 + random.nextWord() % 5);
+  const double u = 0.5 * (random.nextSample() + 1.0);
+  plugin.setParameter(index, static_cast<float>(index == 1 && u < 0.5 ? u < 0.25 : u));
+  if (random.nextWord() % 4 == 0) plugin.setProgram(static_cast<VstIntPtr>(random.nextWord() % 16));
+  plugin.process(in, out, frames);
+}
 
 }  // namespace reliability
