@@ -40,6 +40,24 @@ void installCleanupHandlers() {
   (void)installed;
 }
 
+// Holds the cleanup signals back while the temporary file and the handler's record of it change
+// together, so an interrupt never falls between creating the file and arming its removal.
+class CleanupSignalsHeld {
+ public:
+  CleanupSignalsHeld() {
+    sigset_t held;
+    sigemptyset(&held);
+    for (int s : kCleanupSignals) sigaddset(&held, s);
+    sigprocmask(SIG_BLOCK, &held, &previous_);
+  }
+  ~CleanupSignalsHeld() { sigprocmask(SIG_SETMASK, &previous_, nullptr); }
+  CleanupSignalsHeld(const CleanupSignalsHeld&) = delete;
+  CleanupSignalsHeld& operator=(const CleanupSignalsHeld&) = delete;
+
+ private:
+  sigset_t previous_;
+};
+
 void arm(const std::filesystem::path& path) {
   const std::string& text = path.native();
   if (text.size() >= pendingPath.size())
@@ -83,6 +101,7 @@ PendingOutput::PendingOutput(std::filesystem::path target, bool overwrite)
   std::string pattern = (directory / hidden).native();
 
   installCleanupHandlers();
+  const CleanupSignalsHeld held;
   fd_ = mkstemp(pattern.data());
   if (fd_ < 0) {
     throw RunError("cannot write " + target_.string() + ": " + systemError(errno));
@@ -100,6 +119,7 @@ void PendingOutput::discard() noexcept {
   if (fd_ >= 0) close(fd_);
   fd_ = -1;
   if (!temporary_.empty()) {
+    const CleanupSignalsHeld held;
     disarm();
     unlink(temporary_.c_str());
     temporary_.clear();
