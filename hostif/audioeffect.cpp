@@ -85,6 +85,7 @@ bool AudioEffect::isOutputConnected(VstInt32 output) {
 
 VstIntPtr AudioEffect::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr,
                                   float opt) {
+  // A text request without a buffer is answered 0 without touching one.
   auto* text = static_cast<char*>(ptr);
   switch (opcode) {
     case effOpen:
@@ -100,19 +101,19 @@ VstIntPtr AudioEffect::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr val
     case effGetProgram:
       return getProgram();
     case effSetProgramName:
-      setProgramName(text);
+      if (text) setProgramName(text);
       return 0;
     case effGetProgramName:
-      getProgramName(text);
+      if (text) getProgramName(text);
       return 0;
     case effGetParamLabel:
-      getParameterLabel(index, text);
+      if (text) getParameterLabel(index, text);
       return 0;
     case effGetParamDisplay:
-      getParameterDisplay(index, text);
+      if (text) getParameterDisplay(index, text);
       return 0;
     case effGetParamName:
-      getParameterName(index, text);
+      if (text) getParameterName(index, text);
       return 0;
     case effSetSampleRate:
       setSampleRate(opt);

@@ -27,6 +27,7 @@ VstKeyCode keyCodeOf(VstInt32 index, VstIntPtr value, float opt) noexcept {
 
 VstIntPtr AudioEffectX::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr,
                                    float opt) {
+  // A text request without a buffer is answered 0 without touching one.
   auto* text = static_cast<char*>(ptr);
   switch (opcode) {
     case effProcessEvents:
@@ -34,9 +35,9 @@ VstIntPtr AudioEffectX::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr va
     case effCanBeAutomated:
       return asBool(canParameterBeAutomated(index));
     case effString2Parameter:
-      return asBool(string2parameter(index, text));
+      return text ? asBool(string2parameter(index, text)) : 0;
     case effGetProgramNameIndexed:
-      return asBool(getProgramNameIndexed(static_cast<VstInt32>(value), index, text));
+      return text ? asBool(getProgramNameIndexed(static_cast<VstInt32>(value), index, text)) : 0;
     case effGetInputProperties:
       return asBool(getInputProperties(index, static_cast<VstPinProperties*>(ptr)));
     case effGetOutputProperties:
@@ -59,11 +60,11 @@ VstIntPtr AudioEffectX::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr va
     case effSetBypass:
       return asBool(setBypass(value != 0));
     case effGetEffectName:
-      return asBool(getEffectName(text));
+      return text ? asBool(getEffectName(text)) : 0;
     case effGetVendorString:
-      return asBool(getVendorString(text));
+      return text ? asBool(getVendorString(text)) : 0;
     case effGetProductString:
-      return asBool(getProductString(text));
+      return text ? asBool(getProductString(text)) : 0;
     case effGetVendorVersion:
       return getVendorVersion();
     case effVendorSpecific:

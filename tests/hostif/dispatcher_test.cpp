@@ -224,4 +224,14 @@ TEST(Dispatcher, EffCloseThroughTheRecordClosesAndDeletesEvenWhenOverridesThrow)
   EXPECT_TRUE(closed == 1 && destroyed == 1);
 }
 
+TEST(Dispatcher, TextRequestsWithoutABufferAnswerZeroAndWriteNothing) {
+  PlainEffect fx;  // its defaults write an empty string into any buffer they get
+  for (VstInt32 op : std::initializer_list<VstInt32>{
+           effSetProgramName, effGetProgramName, effGetParamLabel, effGetParamDisplay,
+           effGetParamName, effString2Parameter, effGetProgramNameIndexed, effGetEffectName,
+           effGetVendorString, effGetProductString}) {
+    EXPECT_EQ(send(fx.getAeffect(), op, 1, 0, nullptr), 0) << op;
+  }
+}
+
 }  // namespace
