@@ -27,6 +27,38 @@ TEST(Record, NewEffectFillsTheRecordAndZeroesTheRest) {
   EXPECT_TRUE(fx.getProgram() == 0 && fx.getEditor() == nullptr);
 }
 
+TEST(Record, EachFlagSetterSetsAndClearsOnlyItsOwnBit) {
+  using Setter = void (*)(PlainEffect&, bool);
+  const struct {
+    VstInt32 bit;
+    Setter set;
+  } cases[] = {
+      {effFlagsHasEditor,
+       [](PlainEffect& e, bool on) { e.setEditor(on ? new AEffEditor : nullptr); }},
+      {effFlagsHasClip, [](PlainEffect& e, bool on) { e.__hasClipDeprecated(on); }},
+      {effFlagsHasVu, [](PlainEffect& e, bool on) { e.__hasVuDeprecated(on); }},
+      {effFlagsCanMono, [](PlainEffect& e, bool on) { e.__canMonoDeprecated(on); }},
+      {effFlagsCanReplacing, [](PlainEffect& e, bool on) { e.canProcessReplacing(on); }},
+      {effFlagsProgramChunks, [](PlainEffect& e, bool on) { e.programsAreChunks(on); }},
+      {effFlagsIsSynth, [](PlainEffect& e, bool on) { e.isSynth(on); }},
+      {effFlagsNoSoundInStop, [](PlainEffect& e, bool on) { e.noTail(on); }},
+      {effFlagsExtIsAsync, [](PlainEffect& e, bool on) { e.__wantAsyncOperationDeprecated(on); }},
+      {effFlagsExtHasBuffer, [](PlainEffect& e, bool on) { e.__hasExternalBufferDeprecated(on); }},
+      {effFlagsCanDoubleReplacing, [](PlainEffect& e, bool on) { e.canDoubleReplacing(on); }},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.bit);
+    for (VstInt32 others : {0, ~0}) {
+      PlainEffect fx;
+      fx.cEffect.flags = others & ~c.bit;
+      c.set(fx, true);
+      EXPECT_EQ(fx.cEffect.flags, others | c.bit);
+      c.set(fx, false);
+      EXPECT_EQ(fx.cEffect.flags, others & ~c.bit);
+    }
+  }
+}
+
 // Calls the operation in slot n of obj's vtable, as a host compiled elsewhere would. The
 // destructor takes slots 0 and 1; AudioEffectX's operations start at 51, Orv_TypeBase's at 153.
 template <typename R, typename... Args>
