@@ -14,9 +14,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 int main(int argc, char** argv) {
   namespace fs = std::filesystem;
   std::vector<fs::path> files(argv + 1, argv + argc);
-  for (int a = 1; a < argc; ++a) {
+  for (int a = 1; a < argc; ++a)
     if (fs::is_directory(argv[a])) files.insert(files.end(), fs::directory_iterator(argv[a]), {});
-  }
   int replayed = 0;
   for (const fs::path& file : files) {
     if (!fs::is_regular_file(file)) continue;

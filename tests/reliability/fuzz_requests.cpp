@@ -8,13 +8,13 @@
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <algorithm>
+#include <bit>
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,7 +24,7 @@
 
 namespace {
 
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN(), kInf = INFINITY;
+constexpr float kNaN = NAN, kInf = INFINITY;
 constexpr float kRates[] = {1.0f,     8000.0f,  22050.0f, 44100.0f,  48000.0f,
                             48000.5f, 88200.0f, 96000.0f, 192000.0f, 384000.0f,
                             0.0f,     -0.0f,    -1.0f,    -48000.0f, kNaN,
@@ -36,8 +36,7 @@ constexpr float kValues[] = {0.0f,        1.0f,         0.5f, -0.0f, 0.25f,  0.7
 // +inf, -inf, noise with a NaN every 97th sample.
 constexpr double kLevels[] = {0.0, 0.0, 1e6, -1e6, 1e6, kNaN, kInf, -kInf, kNaN};
 constexpr int kFiniteInputs = 5, kMaxBlock = 4096, kMaxRequests = 96;
-constexpr std::int64_t kSampleBudget = 3 * kMaxBlock;  // thousands of runs a minute under ASan
-constexpr std::size_t kRecordBytes = 512;              // more than any record a request fills
+constexpr std::size_t kRecordBytes = 512;  // more than any record a request fills
 
 [[noreturn]] void fail(const char* what, double detail) {
   std::fprintf(stderr, "reliability_fuzz: %s (%.17g)\n", what, detail);
@@ -48,10 +47,7 @@ constexpr std::size_t kRecordBytes = 512;              // more than any record a
 template <std::size_t N>
 float pickFloat(FuzzedDataProvider& in, const float (&table)[N]) {
   if (in.ConsumeBool()) return table[in.ConsumeIntegralInRange<std::size_t>(0, N - 1)];
-  const auto bits = in.ConsumeIntegral<std::uint32_t>();
-  float f;
-  std::memcpy(&f, &bits, sizeof f);
-  return f;
+  return std::bit_cast<float>(in.ConsumeIntegral<std::uint32_t>());
 }
 
 // Half the time the meaningful range, otherwise any value.
@@ -104,10 +100,9 @@ class Session {
     const VstInt32 opcode = pickSmallOrAny(in, -1, 81), index = pickSmallOrAny(in, -2, 20);
     VstIntPtr value = pickSmallOrAny<VstIntPtr>(in, -2, 20);
     const float opt = pickFloat(in, kValues);
-    alignas(16) unsigned char record[kRecordBytes] = {};
+    alignas(16) char record[kRecordBytes] = {};
     void* ptr = record;
-    const std::string text = in.ConsumeRandomLengthString(kRecordBytes - 1);  // stays terminated
-    std::memcpy(record, text.data(), text.size());
+    in.ConsumeRandomLengthString(kRecordBytes - 1).copy(record, kRecordBytes);  // terminated
     VstSpeakerArrangement inArrangement{}, outArrangement{};
     VstSpeakerArrangement *inSlot = nullptr, *outSlot = nullptr;
     switch (opcode) {
@@ -136,7 +131,7 @@ class Session {
   }
 
   void process(FuzzedDataProvider& in) {
-    const int n = std::min<int>(in.ConsumeIntegralInRange<int>(0, kMaxBlock), budget_);
+    const int n = std::min(in.ConsumeIntegralInRange<int>(0, kMaxBlock), budget_);
     const int kind = in.ConsumeIntegralInRange<int>(0, std::size(kLevels) - 1);
     double* out = in.ConsumeBool() ? input_.data() : output_.data();  // in place or not
     budget_ -= n;
@@ -168,7 +163,8 @@ class Session {
 
   std::unique_ptr<reliability::PluginInstance> plugin_;
   double rate_ = -1.0;  // the rate of the last set-up; -1 before the first
-  std::int64_t samplesSinceSetUp_ = 0, budget_ = kSampleBudget;
+  std::int64_t samplesSinceSetUp_ = 0;
+  int budget_ = 3 * kMaxBlock;  // samples per input: thousands of runs a minute under ASan
   reliability::NoiseSource noise_{0x5EED};
   std::vector<double> input_ = std::vector<double>(kMaxBlock), output_ = input_;
 };

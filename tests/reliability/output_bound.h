@@ -5,8 +5,7 @@
 //
 // with L1(h) = sum |h[k]|, a linear filter's worst-case gain, and maxTrim = 1.2 * 0.562341325
 // (TREBLE 1, DEEP off). States start at zero at a set-up, so the n-th sample after it needs
-// h[0..n-1] only: finite even where a corner clamped to half the rate puts a pole on the unit
-// circle. Any thread.
+// h[0..n-1] only: finite even where a pole sits on the unit circle. Any thread.
 #pragma once
 
 #include <algorithm>

@@ -1,11 +1,10 @@
-// A minimal host that drives instances through their boundary only (entry point, dispatcher,
-// parameter and double-precision process functions), as a strict validator sees them, and plays
-// deterministic sessions: noise bit-identical on every target (integer generator, exact scaling)
-// and requests drawn from a seeded sequence, so a session replayed on another instance, thread or
-// build hears the same. One thread at a time per instance, except for parameter stores.
+// A minimal host that drives instances through their boundary only, as a strict validator sees
+// them, and plays deterministic sessions: noise bit-identical on every target (a generator the
+// language fixes, exact scaling) and requests drawn from a seeded sequence, so a session replayed
+// on another instance, thread or build hears the same. One thread at a time per instance.
 #pragma once
 
-#include <cstdint>
+#include <random>
 
 #include "hostif/orv_typeif.h"
 #include "hostif/vst_abi.h"
@@ -40,8 +39,7 @@ class PluginInstance {
   void setProgram(VstIntPtr program) { dispatch(effSetProgram, 0, program); }
   void setParameter(VstInt32 index, float value) { effect_->setParameter(effect_, index, value); }
   float getParameter(VstInt32 index) { return effect_->getParameter(effect_, index); }
-  // Every stage in play: DEEP on, TREBLE above the trim step.
-  void setAudible() {
+  void setAudible() {  // every stage in play: DEEP on, TREBLE above the trim step
     const float values[] = {1.0f, 0.6f, 0.7f, 0.4f, 0.8f};
     for (VstInt32 p = 1; p <= 5; ++p) setParameter(p, values[p - 1]);
   }
@@ -56,34 +54,23 @@ class PluginInstance {
   AEffect* effect_ = nullptr;
 };
 
-// splitmix64: a full-period 64-bit sequence, one state word.
-class NoiseSource {
- public:
-  explicit NoiseSource(std::uint64_t seed) : state_(seed) {}
-  std::uint64_t nextWord() {
-    std::uint64_t z = (state_ += 0x9E3779B97F4A7C15ull);
-    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
-    z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
-    return z ^ (z >> 31);
-  }
-  // Uniform in [-1, 1): 53 random bits, scaled exactly.
-  double nextSample() { return static_cast<double>(nextWord() >> 11) * 0x1.0p-52 - 1.0; }
+// Noise uniform in [-1, 1): 53 random bits, scaled exactly.
+struct NoiseSource : std::mt19937_64 {
+  using std::mt19937_64::mt19937_64;
+  double nextSample() { return static_cast<double>((*this)() >> 11) * 0x1.0p-52 - 1.0; }
   void fill(double* out, int n) {
     for (int i = 0; i < n; ++i) out[i] = nextSample();
   }
-
- private:
-  std::uint64_t state_;
 };
 
 // One block of a session: a value in 0..1 stored to one of the five parameters (DEEP now and then
 // exactly 0 or 1), one time in four a program change, then the samples.
 inline void playBlock(PluginInstance& plugin, NoiseSource& random, double* in, double* out,
                       int frames) {
-  const auto index = static_cast<VstInt32>(1 + random.nextWord() % 5);
+  const auto index = static_cast<VstInt32>(1 + random() % 5);
   const double u = 0.5 * (random.nextSample() + 1.0);
   plugin.setParameter(index, static_cast<float>(index == 1 && u < 0.5 ? u < 0.25 : u));
-  if (random.nextWord() % 4 == 0) plugin.setProgram(static_cast<VstIntPtr>(random.nextWord() % 16));
+  if (random() % 4 == 0) plugin.setProgram(static_cast<VstIntPtr>(random() % 16));
   plugin.process(in, out, frames);
 }
 
