@@ -77,12 +77,11 @@ class LoadedPlugin {
 // A bass-like test signal: two sines and some noise, at the given peak level.
 inline std::vector<double> testSignal(int frames, double rate, double level, unsigned seed = 1) {
   std::mt19937 random(seed);
-  std::uniform_real_distribution<double> noise(-1.0, 1.0);
+  std::uniform_real_distribution<double> noise(-0.1, 0.1);
   std::vector<double> signal(frames);
   for (int i = 0; i < frames; ++i) {
     const double phase = 6.283185307179586 * i / rate;
-    signal[i] = level * (0.6 * std::sin(55.0 * phase) + 0.3 * std::sin(220.0 * phase) +
-                         0.1 * noise(random));
+    signal[i] = level * (0.6 * std::sin(55 * phase) + 0.3 * std::sin(220 * phase) + noise(random));
   }
   return signal;
 }

@@ -1,9 +1,10 @@
-// The six parameters through the record: stores, reads, texts and properties.
+// The six parameters through the record (stores, reads, texts, properties) and the bank of sixteen
+// programs that hold their values (selection, names).
 #include <gtest/gtest.h>
 
 #include "loaded_plugin.h"
 
-TEST(Parameters, NamesEmptyLabelsAndUnknownIndices) {
+TEST(Parameters, TextsAndStores) {
   LoadedPlugin plugin;
   const char* names[] = {"DEEP", "VOLUME", "TREBLE", "BASS", "MASTER"};
   for (int i = 1; i <= 5; ++i) {
@@ -21,10 +22,7 @@ TEST(Parameters, NamesEmptyLabelsAndUnknownIndices) {
     plugin.module()->getParameterDisplayOf(index, 0.5f, probe);
     EXPECT_STREQ(probe, "untouch");
   }
-}
-
-TEST(Parameters, DisplaysAndUnclampedStores) {
-  LoadedPlugin plugin;
+  // Knobs display 1 to 10 and store without clamping; DEEP is on only at exactly 1.
   const struct {
     VstInt32 index;
     float value;
@@ -65,4 +63,58 @@ TEST(Parameters, PropertiesFillOnlyTheRecord) {
   EXPECT_EQ(properties(6), 0);  // untouched
   EXPECT_EQ(space[0], 0x5a);
   EXPECT_EQ(plugin.dispatch(effGetParameterProperties, 2, 0, nullptr), 0);
+}
+
+TEST(Programs, NamesAreNumberedOnlyForTheCurrentUnnamedProgram) {
+  LoadedPlugin plugin;
+  EXPECT_EQ(plugin.text(effGetProgramName), "Init 1");
+  plugin.setProgram(3);
+  EXPECT_EQ(plugin.dispatch(effGetProgram), 3);
+  EXPECT_EQ(plugin.text(effGetProgramName), "Init 4");
+  plugin.setProgram(15);
+  EXPECT_EQ(plugin.text(effGetProgramName), "Init 16");
+  VstIntPtr result = 0;
+  EXPECT_EQ(plugin.text(effGetProgramNameIndexed, 3, &result), "Init");
+  EXPECT_EQ(result, 1);
+  for (const VstInt32 index : {16, -1}) {  // out of range: untouched
+    EXPECT_EQ(plugin.text(effGetProgramNameIndexed, index, &result), std::string(64, 'x'));
+    EXPECT_EQ(result, 0);
+  }
+  // Names are stored cut to 23 characters, and renumbered only when exactly "Init".
+  const auto setName = [&](std::string name) {
+    plugin.dispatch(effSetProgramName, 0, 0, name.data());
+  };
+  plugin.setProgram(2);
+  setName("Growl");
+  EXPECT_EQ(plugin.text(effGetProgramName), "Growl");
+  EXPECT_EQ(plugin.text(effGetProgramNameIndexed, 2), "Growl");
+  setName("A name far longer than twenty-three");
+  EXPECT_EQ(plugin.text(effGetProgramName), "A name far longer than ");
+  plugin.setProgram(5);
+  for (const char* kept : {"init", "Init ", "Init2"}) {
+    setName(kept);
+    EXPECT_EQ(plugin.text(effGetProgramName), kept);
+  }
+  setName("Init");
+  EXPECT_EQ(plugin.text(effGetProgramName), "Init 6");
+}
+
+TEST(Programs, ParameterChangesAreWrittenIntoTheCurrentProgram) {
+  LoadedPlugin plugin;
+  const float defaults[] = {0.0f, 0.0f, 0.5f, 0.5f, 0.5f, 0.5f};
+  for (int i = 0; i <= 5; ++i) EXPECT_EQ(plugin.getParameter(i), defaults[i]) << i;
+  plugin.setParameter(3, 0.8f);
+  plugin.setParameter(1, 1.0f);
+  plugin.setProgram(1);
+  for (int i = 1; i <= 5; ++i) EXPECT_EQ(plugin.getParameter(i), defaults[i]) << i;
+  plugin.setParameter(2, 0.3f);
+  plugin.setProgram(0);
+  EXPECT_EQ(plugin.getParameter(3), 0.8f);
+  EXPECT_EQ(plugin.getParameter(1), 1.0f);
+  EXPECT_EQ(plugin.getParameter(2), 0.5f);
+  plugin.setProgram(1);
+  EXPECT_EQ(plugin.getParameter(2), 0.3f);
+  plugin.setProgram(16);  // out of range: the current program stays
+  plugin.setProgram(-1);
+  EXPECT_EQ(plugin.dispatch(effGetProgram), 1);
 }

@@ -1,8 +1,7 @@
-// A literal, unoptimised transcription of the amplifier's documented arithmetic, written apart
-// from the plug-in: its own design tables, IIRFilter objects and waveshaper tables, the per-sample
-// chain step by step through osBuffer[0], and the up-filter run with x = 0 on the zero-stuffed
-// sub-samples exactly as written. The plug-in must match it bit for bit. It includes the
-// plug-in's choice for a 0-sample block with a pending redesign: ramps of length 1.
+// A literal, unoptimised transcription of the amplifier's documented arithmetic, written apart from
+// the plug-in: its own design tables, filters and waveshaper tables, the chain step by step through
+// osBuffer[0], the up-filter run with x = 0 on the zero-stuffed sub-samples. The plug-in must match
+// it bit for bit. A 0-sample block with a redesign pending ramps over 1, as the plug-in chose.
 #pragma once
 
 #include <memory>
@@ -24,7 +23,6 @@ class ReferenceAmp {
     const double* set = sets[factor_ == 7 ? 0 : 1];
     for (int k = 0; k < 5; ++k) a_[k] = set[k];
     for (int k = 0; k < 3; ++k) b_[k] = b_[5 - k] = set[5 + k];
-    osBuffer_.assign(factor_, 0.0);
     buildFirstStageCurve(*clip0_, factor_);
     buildSecondStageCurve(*clip1_);
     first_ = {design(1, 26.0, 1.0, 0.0, rate), design(0, 18000.0, 1.0, 0.0, rate)};
@@ -37,7 +35,7 @@ class ReferenceAmp {
     outHighPass_ = {design(1, 20.0, 1.0, 0.0, rate)};
   }
 
-  // Parameter stores as the plug-in keeps them: float values by index 1..5.
+  // A parameter store as the plug-in keeps it: a float by index 1..5.
   void set(int index, float value) { param_[index] = value; }
 
   void process(const double* in, double* out, int n) {
@@ -128,7 +126,7 @@ class ReferenceAmp {
   const int factor_;
   double a_[5], b_[6];
   double upState_[6] = {}, downState_[6] = {};
-  std::vector<double> osBuffer_;
+  double osBuffer_[8] = {};  // the chain passes through [0]
   std::vector<IIRFilter> first_, eq_, master_, final_, outHighPass_;
   std::unique_ptr<Clipper> clip0_ = std::make_unique<Clipper>();
   std::unique_ptr<Clipper> clip1_ = std::make_unique<Clipper>();

@@ -13,11 +13,9 @@ class TarnwellInspector {
   VstInt32 osFactor() const { return amp_.osFactor; }
   const double* osBuffer() const { return amp_.osBuffer; }
   double curSampleRate() const { return amp_.curSampleRate; }
-  double appliedTrim() const { return amp_.appliedTrim; }
   float lastTreble() const { return amp_.lastTreble; }
   float lastBass() const { return amp_.lastBass; }
   const IIRFilter& first(int k) const { return *amp_.firstFilters[k]; }
-  const IIRFilter& eq(int k) const { return *amp_.eqFilters[k]; }
   const IIRFilter& master() const { return *amp_.masterFilters[0]; }
 
  private:
@@ -25,8 +23,7 @@ class TarnwellInspector {
 };
 
 inline std::vector<double> processBlock(Tarnwell& amp, std::vector<double> in) {
-  std::vector<double> out(in.size());
-  double *ins = in.data(), *outs = out.data();
-  amp.processDoubleReplacing(&ins, &outs, static_cast<VstInt32>(in.size()));
-  return out;
+  double* io = in.data();
+  amp.processDoubleReplacing(&io, &io, static_cast<VstInt32>(in.size()));
+  return in;
 }

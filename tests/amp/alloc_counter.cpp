@@ -1,0 +1,25 @@
+// Counts every operator new; exported, so the loaded plug-in (and the library's new[]) binds to
+// them too. Alone in this file so that no caller inlines them.
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+std::atomic<long> allocations{0};
+
+static void* counted(std::size_t size) noexcept {
+  allocations.fetch_add(1, std::memory_order_relaxed);
+  return std::malloc(size == 0 ? 1 : size);
+}
+void* operator new(std::size_t size) {
+  if (void* p = counted(size)) return p;
+  throw std::bad_alloc();
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return counted(size);
+}
+void operator delete(void* p) noexcept {
+  std::free(p);
+}
+void operator delete(void* p, std::size_t) noexcept {
+  std::free(p);
+}
