@@ -34,7 +34,11 @@ TEST(Record, EachFlagSetterSetsAndClearsOnlyItsOwnBit) {
     Setter set;
   } cases[] = {
       {effFlagsHasEditor,
-       [](PlainEffect& e, bool on) { e.setEditor(on ? new AEffEditor : nullptr); }},
+       [](PlainEffect& e, bool on) {
+         AEffEditor* old = e.getEditor();  // setEditor stores; the old editor is ours to delete
+         e.setEditor(on ? new AEffEditor : nullptr);
+         delete old;
+       }},
       {effFlagsHasClip, [](PlainEffect& e, bool on) { e.__hasClipDeprecated(on); }},
       {effFlagsHasVu, [](PlainEffect& e, bool on) { e.__hasVuDeprecated(on); }},
       {effFlagsCanMono, [](PlainEffect& e, bool on) { e.__canMonoDeprecated(on); }},
