@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <string>
 
@@ -13,7 +14,8 @@ namespace {
 
 // The declared array holds eight speakers; an allocated arrangement may hold more.
 VstSpeakerProperties& speaker(VstSpeakerArrangement* a, int i) {
-  return a->speakers[0 + i];
+  return reinterpret_cast<VstSpeakerProperties*>(reinterpret_cast<char*>(a) +
+                                                 offsetof(VstSpeakerArrangement, speakers))[i];
 }
 
 TEST(SpeakerArrangement, AllocationHoldsExactlyItsSpeakersZeroFilled) {
