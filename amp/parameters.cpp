@@ -3,16 +3,21 @@
 // the lock. No value is clamped.
 #include <cstring>
 #include <mutex>
+#include <string>
+#include <string_view>
 
+#include "amp/parameter_table.h"
 #include "amp/tarnwell.h"
 
 namespace {
 
-constexpr const char* kNames[kNumParams] = {nullptr, "DEEP", "VOLUME", "TREBLE", "BASS", "MASTER"};
-constexpr float kKnobStep = 0.01f;
-
 bool isControl(VstInt32 index) {
-  return index >= kParamDeep && index <= kParamMaster;
+  return tarnwell::controlFacts(index) != nullptr;
+}
+
+// Bounded copy of a table text, padded with zeros to the 8-byte parameter text buffer.
+void copyText(std::string_view from, char* text) {
+  std::strncpy(text, std::string(from).c_str(), kVstMaxParamStrLen);
 }
 
 }  // namespace
@@ -59,7 +64,9 @@ float Tarnwell::getParameter(VstInt32 index) {
 }
 
 void Tarnwell::getParameterName(VstInt32 index, char* text) {
-  if (isControl(index)) std::strcpy(text, kNames[index]);
+  if (const tarnwell::ControlFacts* facts = tarnwell::controlFacts(index)) {
+    copyText(facts->name, text);
+  }
 }
 
 void Tarnwell::getParameterLabel(VstInt32 index, char* label) {
@@ -73,14 +80,13 @@ void Tarnwell::getParameterDisplay(VstInt32 index, char* text) {
 }
 
 void Tarnwell::getParameterDisplayOf(VstInt32 index, float value, char* text) {
-  if (!isControl(index)) return;
-  if (index == kParamDeep) {
-    // Bounded copy padded with zeros to the 8-byte text buffer.
-    std::strncpy(text, value == 1.0f ? "on" : "off", kVstMaxParamStrLen);
+  const tarnwell::ControlFacts* facts = tarnwell::controlFacts(index);
+  if (facts == nullptr) return;
+  if (facts->kind == tarnwell::ControlKind::kSwitch) {
+    copyText(value == tarnwell::kSwitchOnValue ? tarnwell::kSwitchOn : tarnwell::kSwitchOff, text);
     return;
   }
-  // The knobs show 0..1 on a 1..10 scale.
-  float2string(static_cast<float>(9.0 * value + 1.0), text, kVstMaxParamStrLen);
+  float2string(static_cast<float>(tarnwell::dialOf(value)), text, kVstMaxParamStrLen);
 }
 
 bool Tarnwell::getParameterProperties(VstInt32 index, VstParameterProperties* p) {
@@ -89,11 +95,11 @@ bool Tarnwell::getParameterProperties(VstInt32 index, VstParameterProperties* p)
   std::memset(p, 0, sizeof *p);
   if (index == kParamPlaceholder) return false;
   getParameterLabel(index, p->label);
-  if (index == kParamDeep) {
+  if (tarnwell::controlFacts(index)->kind == tarnwell::ControlKind::kSwitch) {
     p->flags = kVstParameterIsSwitch;
   } else {
     p->flags = kVstParameterUsesFloatStep;
-    p->stepFloat = kKnobStep;
+    p->stepFloat = tarnwell::kKnobStep;
   }
   return true;
 }

@@ -3,13 +3,19 @@
 #include <cstring>
 
 #include "amp/parameter_index.h"
+#include "amp/parameter_table.h"
 
 namespace {
 constexpr char kUnnamed[] = "Init";
 }  // namespace
 
 TarnwellProgram::TarnwellProgram()
-    : deep(0.0f), volume(0.5f), treble(0.5f), bass(0.5f), master(0.5f), name{} {
+    : deep(tarnwell::controlFacts(kParamDeep)->startValue),
+      volume(tarnwell::controlFacts(kParamVolume)->startValue),
+      treble(tarnwell::controlFacts(kParamTreble)->startValue),
+      bass(tarnwell::controlFacts(kParamBass)->startValue),
+      master(tarnwell::controlFacts(kParamMaster)->startValue),
+      name{} {
   std::strncpy(name, kUnnamed, sizeof name - 1);
 }
 

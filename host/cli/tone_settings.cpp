@@ -14,15 +14,15 @@ void applyTone(const ToneSettings& tone, host::PluginInstance& instance) {
     }
     instance.setProgram(*tone.program - 1);
   }
-  if (tone.deep) instance.setParameter(AmpParameter::kDeep, *tone.deep ? 1.0f : 0.0f);
+  if (tone.deep) instance.setParameter(kParamDeep, *tone.deep ? kSwitchOnValue : 0.0f);
   const std::pair<int, const std::optional<double>&> knobs[] = {
-      {AmpParameter::kVolume, tone.volume},
-      {AmpParameter::kTreble, tone.treble},
-      {AmpParameter::kBass, tone.bass},
-      {AmpParameter::kMaster, tone.master},
+      {kParamVolume, tone.volume},
+      {kParamTreble, tone.treble},
+      {kParamBass, tone.bass},
+      {kParamMaster, tone.master},
   };
   for (const auto& [index, dial] : knobs) {
-    if (dial) instance.setParameter(index, dialToParameter(*dial));
+    if (dial) instance.setParameter(index, valueOfDial(*dial));
   }
 }
 

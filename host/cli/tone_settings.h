@@ -6,28 +6,10 @@
 #include <optional>
 #include <string>
 
+#include "amp/parameter_table.h"
 #include "host/plugin_instance.h"
 
 namespace tarnwell::cli {
-
-// The plug-in's parameter indices.
-struct AmpParameter {
-  static constexpr int kDeep = 1;
-  static constexpr int kVolume = 2;
-  static constexpr int kTreble = 3;
-  static constexpr int kBass = 4;
-  static constexpr int kMaster = 5;
-};
-
-struct Dial {
-  static constexpr double kMin = 1.0;
-  static constexpr double kMax = 10.0;
-};
-
-// Dial position 1..10 to the normalised parameter 0..1 the plug-in displays as that position.
-constexpr float dialToParameter(double dial) noexcept {
-  return static_cast<float>((dial - Dial::kMin) / (Dial::kMax - Dial::kMin));
-}
 
 struct ToneSettings {
   std::optional<int> program;  // 1-based
