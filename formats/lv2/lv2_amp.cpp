@@ -1,0 +1,82 @@
+#include "formats/lv2/lv2_amp.h"
+
+#include <algorithm>
+#include <limits>
+#include <new>
+
+namespace tarnwell::lv2 {
+
+Lv2Amp::Lv2Amp(double sampleRate, std::uint32_t maxBlock)
+    : sampleRate_(static_cast<float>(sampleRate)),
+      effect_(makeEffect(sampleRate_, static_cast<int>(std::max(maxBlock, 1u)))),
+      scratch_(std::max(maxBlock, 1u)) {
+  std::fill(std::begin(applied_), std::end(applied_), std::numeric_limits<float>::quiet_NaN());
+}
+
+Lv2Amp::~Lv2Amp() {
+  effect_->suspend();
+  effect_->close();
+}
+
+std::unique_ptr<AudioEffect> Lv2Amp::makeEffect(float sampleRate, int maxBlock) {
+  // No host callback: the amp asks nothing of its host.
+  std::unique_ptr<AudioEffect> effect(createPluginFilter(nullptr));
+  if (!effect) throw std::bad_alloc();
+  effect->open();
+  effect->setSampleRate(sampleRate);
+  effect->setBlockSize(maxBlock);
+  effect->resume();
+  return effect;
+}
+
+void Lv2Amp::connect(std::uint32_t port, void* data) noexcept {
+  if (port == kAudioIn) {
+    input_ = static_cast<const float*>(data);
+  } else if (port == kAudioOut) {
+    output_ = static_cast<float*>(data);
+  } else if (port >= kFirstControlPort && port < kNumPorts) {
+    controls_[port - kFirstControlPort] = static_cast<const float*>(data);
+  }
+}
+
+void Lv2Amp::activate() noexcept {
+  if (!ranSinceFresh_) return;
+  try {
+    std::unique_ptr<AudioEffect> fresh = makeEffect(sampleRate_, static_cast<int>(scratch_.size()));
+    effect_->close();
+    effect_ = std::move(fresh);
+    std::fill(std::begin(applied_), std::end(applied_), std::numeric_limits<float>::quiet_NaN());
+    ranSinceFresh_ = false;
+  } catch (const std::bad_alloc&) {
+    // Out of memory: play on with the chain's history rather than fall silent.
+  }
+}
+
+void Lv2Amp::applyControlChanges() noexcept {
+  for (std::size_t k = 0; k < kControls.size(); ++k) {
+    if (controls_[k] == nullptr) continue;
+    const float reading = *controls_[k];
+    // NaN is no reading at all; it also never equals what was applied.
+    if (reading != reading || reading == applied_[k]) continue;
+    applied_[k] = reading;
+    effect_->setParameter(kControls[k].index, parameterOfPort(kControls[k], reading));
+  }
+}
+
+void Lv2Amp::run(std::uint32_t sampleCount) noexcept {
+  applyControlChanges();
+  if (input_ == nullptr || output_ == nullptr) return;
+  ranSinceFresh_ = true;
+
+  const std::uint32_t capacity = scratchLength();
+  double* io = scratch_.data();
+  for (std::uint32_t done = 0; done < sampleCount;) {
+    const std::uint32_t piece = std::min(sampleCount - done, capacity);
+    for (std::uint32_t i = 0; i < piece; ++i) io[i] = input_[done + i];
+    effect_->processDoubleReplacing(&io, &io, static_cast<VstInt32>(piece));
+    for (std::uint32_t i = 0; i < piece; ++i) output_[done + i] = static_cast<float>(io[i]);
+    done += piece;
+  }
+}
+
+}  // namespace tarnwell::lv2
