@@ -59,8 +59,12 @@ inline const LilvPlugin* plugin() {
 class BlockLengthFeatures {
  public:
   explicit BlockLengthFeatures(std::int32_t maxBlock) : maxBlock_(maxBlock) {
-    options_[0] = {LV2_OPTIONS_INSTANCE, 0, map(this, LV2_BUF_SIZE__maxBlockLength),
-                   sizeof maxBlock_, map(this, LV2_ATOM__Int), &maxBlock_};
+    options_[0] = {LV2_OPTIONS_INSTANCE,
+                   0,
+                   map(this, LV2_BUF_SIZE__maxBlockLength),
+                   sizeof maxBlock_,
+                   map(this, LV2_ATOM__Int),
+                   &maxBlock_};
     options_[1] = {LV2_OPTIONS_INSTANCE, 0, 0, 0, 0, nullptr};
   }
   BlockLengthFeatures(const BlockLengthFeatures&) = delete;

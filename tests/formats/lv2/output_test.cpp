@@ -71,7 +71,7 @@ struct Step {
   float dial;
 };
 const std::vector<Step> kSession = {
-    {256, kVolume, 5.5f}, {1, kTreble, 8.0f},   {300, kDeep, 1.0f},   {0, kBass, 2.5f},
+    {256, kVolume, 5.5f}, {1, kTreble, 8.0f},    {300, kDeep, 1.0f},  {0, kBass, 2.5f},
     {64, kMaster, 9.0f},  {1024, kTreble, 1.0f}, {2, kVolume, 10.0f}, {700, kDeep, 0.0f},
     {512, kBass, 10.0f},  {128, kTreble, 5.5f},
 };
