@@ -29,6 +29,9 @@ class PluginInstance {
   // Mono in, mono out is what process() feeds; anything else throws PluginError here.
   void prepare(double sampleRate, int maxBlockFrames);
   bool prepared() const noexcept { return running_; }
+  // What the instance was prepared with; 0 before.
+  double sampleRate() const noexcept { return context_->sampleRate; }
+  int blockSize() const noexcept { return context_->blockSize; }
 
   // `in` and `out` hold `frames` samples, frames <= the prepared block size; they may not alias.
   void process(const double* in, double* out, int frames) noexcept {

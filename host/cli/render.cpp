@@ -11,6 +11,7 @@
 #include "host/cli/progress_line.h"
 #include "host/cli/sound_file.h"
 #include "host/plugin_instance.h"
+#include "host/settle.h"
 
 namespace tarnwell::cli {
 namespace {
@@ -38,6 +39,7 @@ Rack buildRack(const RenderRequest& request, int channels, int sampleRate) {
     auto& instance = rack.emplace_back(std::make_unique<host::PluginInstance>(library));
     applyTone(request.tone, *instance);
     instance->prepare(sampleRate, request.blockFrames);
+    host::settle(*instance);
   }
   return rack;
 }

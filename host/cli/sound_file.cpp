@@ -37,6 +37,9 @@ SoundFile SoundFile::openWrite(int fd, const SF_INFO& info, std::string shownNam
     throw RunError("cannot write " + shownName + ": " + sf_strerror(nullptr));
   }
   sf_command(file, SFC_SET_CLIPPING, nullptr, SF_TRUE);
+  // The peak chunk of float files carries the time of writing: without it, the same render gives
+  // the same bytes.
+  sf_command(file, SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
   return SoundFile(file, wanted, std::move(shownName));
 }
 

@@ -47,6 +47,27 @@ TEST(Render, EqualsTheLoaderBlockByBlock) {
   }
 }
 
+TEST(Render, SoundsTheSameWhateverTheBlockSizeFromTheFirstSample) {
+  // A steady low note from the first sample; the amp's fade-in would show in the first 100 ms.
+  const ScratchDir dir;
+  writeAudio(dir / "in.wav", 1, 48000, SF_FORMAT_PCM_24, 48000,
+             [](long i, int) { return 0.5 * std::sin(0.0072 * i); });
+  std::string first;
+  for (const std::string block : {"4096", "1", "7", "1048576"}) {
+    succeeds({"render", dir / "in.wav", dir / block, "--plugin", kAmp, "--format", "DOUBLE",
+              "--block", block, "--deep", "on", "-q"});
+    if (first.empty()) first = slurp(dir / block);
+    EXPECT_TRUE(slurp(dir / block) == first) << "--block " << block << " differs from 4096";
+  }
+  const std::vector<double> out = readAudio(dir / "4096").samples;
+  const auto rms = [&](long from, long to) {
+    double sum = 0.0;
+    for (long i = from; i < to; ++i) sum += out[i] * out[i];
+    return std::sqrt(sum / static_cast<double>(to - from));
+  };
+  EXPECT_NEAR(20 * std::log10(rms(0, 4800) / rms(24000, 48000)), 0.0, 0.5);
+}
+
 TEST(Render, AppliesProgramAndDialsKeepsTheFormatAndOverwritesOnlyWhenAsked) {
   const ScratchDir dir;
   const std::string in = dir / "in.wav", out = dir / "out.wav", plugin = testPlugin("fake");

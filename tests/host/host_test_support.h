@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "host/plugin_instance.h"
+#include "host/settle.h"
 
 namespace host_test {
 
@@ -126,6 +127,7 @@ inline std::vector<double> referenceRender(const std::string& plugin, const Audi
     if (s.program > 0) amp.setProgram(s.program - 1);
     if (s.volume > 0) amp.setParameter(2, static_cast<float>((s.volume - 1.0) / 9.0));
     amp.prepare(input.info.samplerate, s.block);
+    tarnwell::host::settle(amp);
     for (long start = 0; start < input.info.frames; start += s.block) {
       const int n = static_cast<int>(std::min<long>(s.block, input.info.frames - start));
       for (int i = 0; i < n; ++i) dry[i] = input.samples[(start + i) * channels + c];

@@ -4,6 +4,7 @@
 
 #include "host/host_callback.h"
 #include "host/plugin_error.h"
+#include "host/settle.h"
 #include "host_test_support.h"
 #include "stand_in_log.h"
 
@@ -105,6 +106,27 @@ TEST(Loader, ReadsTheAmpsTexts) {
   EXPECT_EQ(amp.parameterDisplay(2), " 5.50");
   EXPECT_EQ(amp.programName(), "Init 1");
   EXPECT_EQ(amp.programNameIndexed(16), std::nullopt);
+}
+
+TEST(Settle, LeavesTheAmpSilentOnSilenceWhateverItPlayedBefore) {
+  // DEEP on puts the slowest pole in the tone stack (15 Hz); VOLUME and MASTER up make the loudest
+  // tail, and an offset the slowest decay. The burst stands for anything an instance did before
+  // settling.
+  for (const double rate : {44100.0, 48000.0, 96000.0}) {
+    SCOPED_TRACE(rate);
+    PluginInstance amp(PluginLibrary::open(kAmp));
+    for (const int index : {1, 2, 4, 5}) amp.setParameter(index, 1.0f);
+    amp.prepare(rate, 256);
+    std::vector<double> signal(256), out(256);
+    for (int block = 0; block < 40; ++block) {
+      for (int i = 0; i < 256; ++i) signal[i] = 0.4 + 0.5 * std::sin(0.006 * (block * 256 + i));
+      amp.process(signal.data(), out.data(), 256);
+    }
+    tarnwell::host::settle(amp);
+    std::ranges::fill(signal, 0.0);
+    amp.process(signal.data(), out.data(), 256);
+    for (const double s : out) ASSERT_LT(std::fabs(s), 1e-6);
+  }
 }
 
 }  // namespace
