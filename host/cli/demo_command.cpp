@@ -51,9 +51,7 @@ CLI::App* addDemo(CLI::App& app, DemoCommand& command) {
       kDryName, kAmpName));
   sub->add_option("DIR", command.directory, "Directory for the two files (created if missing)")
       ->capture_default_str();
-  sub->add_option("--plugin", command.plugin,
-                  "Plug-in library (default: tarnwell.so beside this command)")
-      ->type_name("PATH");
+  sub->add_option("--plugin", command.plugin, kPluginOptionHelp)->type_name("PATH");
   return sub;
 }
 

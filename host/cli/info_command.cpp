@@ -15,9 +15,7 @@ CLI::App* addInfo(CLI::App& app, InfoCommand& command) {
       "outputs and flags; the parameters with their display texts at start-up; the program names;\n"
       "and the module description (jacks and signals).\n"
       "Example: tarnwell info --json");
-  sub->add_option("--plugin", command.plugin,
-                  "Plug-in library (default: tarnwell.so beside this command)")
-      ->type_name("PATH");
+  sub->add_option("--plugin", command.plugin, kPluginOptionHelp)->type_name("PATH");
   sub->add_flag("--json", command.json, "Print JSON instead of text");
   return sub;
 }

@@ -5,8 +5,10 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 
+#include "host/cli/build_facts.h"
 #include "host/cli/commands.h"
 #include "host/cli/errors.h"
+#include "host/cli/plugin_path.h"
 #include "host/plugin_error.h"
 
 namespace {
@@ -26,7 +28,12 @@ int main(int argc, char** argv) {
       "through its own amp). Exit codes: 0 success, 1 usage error, 2 processing or file error.",
       "tarnwell"};
   app.require_subcommand(1);
-  app.footer("Run 'tarnwell COMMAND --help' for the options of each command.");
+  app.set_version_flag("--version", fmt::format("tarnwell {}", kVersion));
+  app.footer(
+      fmt::format("Run 'tarnwell COMMAND --help' for the options of each command.\n"
+                  "Without --plugin the amp is looked for as {} beside this command, then in\n"
+                  "{} from this command's folder, where make install and the package put it.",
+                  kPluginFileName, kInstalledPluginFolder));
   app.failure_message([](const CLI::App*, const CLI::Error& error) {
     return fmt::format("tarnwell: {} (see --help)\n", error.what());
   });

@@ -55,9 +55,7 @@ CLI::App* addRender(CLI::App& app, RenderCommand& command) {
       ->check(encodingName())
       ->type_name("SUBTYPE");
   sub->add_flag("--overwrite", request.overwrite, "Replace OUT if it exists");
-  sub->add_option("--plugin", request.plugin,
-                  "Plug-in library (default: tarnwell.so beside this command)")
-      ->type_name("PATH");
+  sub->add_option("--plugin", request.plugin, kPluginOptionHelp)->type_name("PATH");
   sub->add_flag("-q,--quiet", request.quiet, "Print nothing but warnings and errors");
   return sub;
 }

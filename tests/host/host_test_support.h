@@ -81,10 +81,11 @@ inline Audio readAudio(const fs::path& path) {
   return audio;
 }
 
-// Starts the command with its output into the given files.
+// Starts the command (the built one unless another copy is named) with its output into the files.
 inline pid_t startCommand(std::vector<std::string> args, const std::string& out = "/dev/null",
-                          const std::string& err = "/dev/null") {
-  args.insert(args.begin(), TARNWELL_COMMAND);
+                          const std::string& err = "/dev/null",
+                          const std::string& command = TARNWELL_COMMAND) {
+  args.insert(args.begin(), command);
   std::vector<char*> argv;
   for (std::string& a : args) argv.push_back(a.data());
   argv.push_back(nullptr);
@@ -106,9 +107,10 @@ struct Result {
   int exitCode;
   std::string out, err;
 };
-inline Result runCommand(const std::vector<std::string>& args) {
+inline Result runCommand(const std::vector<std::string>& args,
+                         const std::string& command = TARNWELL_COMMAND) {
   const ScratchDir logs;
-  const int code = waitCommand(startCommand(args, logs / "out", logs / "err"));
+  const int code = waitCommand(startCommand(args, logs / "out", logs / "err", command));
   return {code, slurp(logs / "out"), slurp(logs / "err")};
 }
 
