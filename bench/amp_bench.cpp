@@ -7,7 +7,7 @@
 #include <cmath>
 #include <vector>
 
-#include "hostif/audioeffect.h"
+#include "amp/tarnwell.h"
 
 namespace {
 
@@ -20,7 +20,7 @@ void BM_Amp(benchmark::State& state) {
   const int block = static_cast<int>(state.range(1));
   const bool toneChanges = state.range(2) != 0;
 
-  AudioEffect* effect = createPluginFilter(benchHost);
+  AudioEffect* effect = new Tarnwell(benchHost);
   AEffect* record = effect->getAeffect();
   record->dispatcher(record, effOpen, 0, 0, nullptr, 0.0f);
   record->dispatcher(record, effSetSampleRate, 0, 0, nullptr, rate);

@@ -3,23 +3,10 @@
 #include <new>
 
 #include "hostif/audioeffect.h"
+#include "hostif/effect_record.h"
 #include "hostif/orv_typeif.h"
 
 namespace {
-
-// The record of a new effect, or null when the host refuses (version 0), gives no callback to ask
-// or creating the effect throws: no exception reaches the host from here.
-AEffect* createEffectRecord(audioMasterCallback audioMaster) noexcept {
-  try {
-    if (!audioMaster || audioMaster(nullptr, audioMasterVersion, 0, 0, nullptr, 0.0f) == 0) {
-      return nullptr;
-    }
-    AudioEffect* effect = createPluginFilter(audioMaster);
-    return effect ? effect->getAeffect() : nullptr;
-  } catch (...) {
-    return nullptr;
-  }
-}
 
 Orv_TypeIF* makeInterface(audioMasterCallback audioMaster) {
   auto* handle = new (std::nothrow) Orv_TypeIF;
