@@ -103,6 +103,11 @@ class Tarnwell : public Orv_TypeBase {
   // by the builder's lock.
   static double clipSampleRate;
 
+ protected:
+  // The effect's one lock, for a form that runs several blocks of the chain as one block of its
+  // own and must keep parameter stores out of the gaps between them.
+  RecursiveMutex& blockLock() noexcept { return mutex; }
+
  private:
   friend class TarnwellInspector;  // white-box view for the tests
 
