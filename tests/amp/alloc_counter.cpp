@@ -1,13 +1,16 @@
 // Counts every operator new; exported, so the loaded plug-in (and the library's new[]) binds to
-// them too. Alone in this file so that no caller inlines them.
+// them too. While failAllocations is set, every one fails as if memory had run out. Alone in this
+// file so that no caller inlines them.
 #include <atomic>
 #include <cstdlib>
 #include <new>
 
 std::atomic<long> allocations{0};
+std::atomic<bool> failAllocations{false};
 
 static void* counted(std::size_t size) noexcept {
   allocations.fetch_add(1, std::memory_order_relaxed);
+  if (failAllocations.load(std::memory_order_relaxed)) return nullptr;
   return std::malloc(size == 0 ? 1 : size);
 }
 void* operator new(std::size_t size) {

@@ -1,0 +1,74 @@
+// Neither process function of the standard form allocates, long blocks and parameter changes
+// included; the scratch is allocated on the control thread, and memory running out there or while
+// creating the effect is survived.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <vector>
+
+#include "daw_host.h"
+
+extern std::atomic<long> allocations;      // every operator new, counted in alloc_counter.cpp
+extern std::atomic<bool> failAllocations;  // makes every operator new fail
+
+namespace {
+
+TEST(Allocation, ProcessFunctionsAllocateNothingWhileSetUpDoes) {
+  long before = allocations.load();
+  DawInstance standard("VSTPluginMain");  // the counter sees this binary's allocations
+  ASSERT_NE(standard.effect(), nullptr);
+  ASSERT_GT(allocations.load(), before);
+  standard.dispatch(effSetSampleRate, 0, 0, nullptr, 48000.0f);
+  before = allocations.load();
+  standard.dispatch(effSetBlockSize, 0, 64);
+  EXPECT_GT(allocations.load(), before) << "scratch sized on the control thread";
+  standard.dispatch(effMainsChanged, 0, 1);
+
+  std::vector<float> floats = bassSignal(4096, 48000.0, 0.7);
+  std::vector<double> doubles(floats.begin(), floats.end());
+  before = allocations.load();
+  for (int block = 0; block < 12; ++block) {
+    standard.setParameter(1 + block % 5, 0.08f * block);
+    const int frames = block == 11 ? 0 : 64 * block + 1;  // up to 11 pieces, and an empty block
+    standard.processFloat(floats.data(), block % 2 ? floats.data() : floats.data() + frames,
+                          frames);
+    standard.processDouble(doubles.data(), doubles.data(), frames);
+  }
+  EXPECT_EQ(allocations.load(), before);
+}
+
+TEST(Allocation, OutOfMemoryKeepsThePiecesUntilProcessingIsSwitchedOnAgain) {
+  DawInstance standard("VSTPluginMain"), original;
+  standard.prepare(44100.0f, 64);
+  original.prepare(44100.0f, 64);
+  failAllocations = true;
+  standard.dispatch(effSetBlockSize, 0, 256);
+  failAllocations = false;
+  original.dispatch(effSetBlockSize, 0, 256);
+
+  std::vector<float> io = bassSignal(512, 44100.0, 0.5);
+  std::vector<double> reference(io.begin(), io.end());
+  standard.setParameter(3, 0.8f);
+  original.setParameter(3, 0.8f);
+  standard.processFloat(io.data(), io.data(), 256);  // still in pieces of 64
+  for (int start = 0; start < 256; start += 64) {
+    original.processDouble(&reference[start], &reference[start], 64);
+  }
+  standard.dispatch(effMainsChanged, 0, 1);  // prepares the announced 256
+  standard.setParameter(3, 0.1f);
+  original.setParameter(3, 0.1f);
+  standard.processFloat(&io[256], &io[256], 256);
+  original.processDouble(&reference[256], &reference[256], 256);
+  for (int i = 0; i < 512; ++i) ASSERT_EQ(io[i], static_cast<float>(reference[i])) << i;
+}
+
+TEST(Allocation, AnEffectThatCannotBeCreatedIsNoEffect) {
+  const StandardEntry entry = standardEntry();
+  failAllocations = true;
+  AEffect* effect = entry(loggingHost);
+  failAllocations = false;
+  unclaimedRequests().clear();
+  EXPECT_EQ(effect, nullptr);
+}
+
+}  // namespace

@@ -1,0 +1,142 @@
+// The standard form's single-precision process is the double chain on the widened input, rounded
+// back to float, bit for bit: compared with tarnwell.so's double path on the same input and the
+// same requests, for several rates, block sizes, parameter changes between blocks, in place or
+// not, and blocks longer than the host announced.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <tuple>
+#include <vector>
+
+#include "daw_host.h"
+
+namespace {
+
+std::vector<double> widened(const std::vector<float>& in) {
+  return std::vector<double>(in.begin(), in.end());
+}
+
+// The same parameter change on both instances: a tone change (which redesigns and glides the
+// tone stack), VOLUME and MASTER ramps, DEEP switched, a program change.
+void changeParameters(int block, DawInstance& a, DawInstance& b) {
+  const std::tuple<VstInt32, float> changes[] = {{3, 0.9f},  {2, 0.8f}, {1, 1.0f}, {4, 0.1f},
+                                                 {5, 0.95f}, {0, 0.3f}, {3, 0.2f}};
+  const auto [index, value] = changes[block % 7];
+  if (block % 5 == 4) {
+    a.dispatch(effSetProgram, 0, block % 16);
+    b.dispatch(effSetProgram, 0, block % 16);
+  }
+  a.setParameter(index, value);
+  b.setParameter(index, value);
+}
+
+// Float blocks of `blockFrames` through the standard form; the same input widened, through
+// tarnwell.so's double path in blocks of `referenceFrames` (the pieces the standard form must
+// cut), then rounded. Parameters change before every host block; an empty block after the
+// second takes the new values over without a ramp, on both paths alike.
+void expectFloatEqualsRoundedDouble(float rate, VstInt32 announced, int blockFrames,
+                                    int referenceFrames, bool inPlace, int blocks = 6) {
+  DawInstance standard("VSTPluginMain"), original;
+  standard.prepare(rate, announced);
+  original.prepare(rate, announced);
+  const std::vector<float> input = bassSignal(blockFrames * blocks, rate, 0.8);
+  std::vector<float> out(input.size());
+  std::vector<double> reference = widened(input);
+  for (int block = 0; block < blocks; ++block) {
+    changeParameters(block, standard, original);
+    const int start = block * blockFrames;
+    if (inPlace) {
+      std::copy(input.begin() + start, input.begin() + start + blockFrames, out.begin() + start);
+      standard.processFloat(&out[start], &out[start], blockFrames);
+    } else {
+      std::vector<float> in(input.begin() + start, input.begin() + start + blockFrames);
+      standard.processFloat(in.data(), &out[start], blockFrames);
+    }
+    for (int done = 0; done < blockFrames; done += referenceFrames) {
+      double* piece = &reference[start + done];
+      original.processDouble(piece, piece, std::min(referenceFrames, blockFrames - done));
+    }
+    if (block == 1) {
+      changeParameters(block + 3, standard, original);
+      standard.processFloat(out.data(), out.data(), 0);
+      original.processDouble(reference.data(), reference.data(), 0);
+    }
+  }
+  double peak = 0.0;
+  for (const double v : reference) peak = std::max(peak, std::abs(v));
+  ASSERT_GT(peak, 0.01) << "the amp sounds";
+  for (std::size_t i = 0; i < out.size(); ++i) {
+    ASSERT_EQ(out[i], static_cast<float>(reference[i]))
+        << "sample " << i << ", rate " << rate << ", block " << blockFrames;
+  }
+}
+
+using Case = std::tuple<float, int, bool>;  // rate, block size (announced and sent), in place
+
+class FloatPath : public ::testing::TestWithParam<Case> {};
+
+TEST_P(FloatPath, EqualsTheDoublePathRoundedToFloat) {
+  const auto [rate, frames, inPlace] = GetParam();
+  expectFloatEqualsRoundedDouble(rate, frames, frames, frames, inPlace);
+}
+
+INSTANTIATE_TEST_SUITE_P(RatesAndBlocks, FloatPath,
+                         ::testing::Combine(::testing::Values(44100.0f, 48000.0f, 96000.0f),
+                                            ::testing::Values(1, 64, 333, 1024),
+                                            ::testing::Bool()));
+
+TEST(FloatPath, LongerBlocksThanAnnouncedRunInPiecesOfTheAnnouncedSize) {
+  struct LongBlock {
+    VstInt32 announced;
+    int sent;
+    int pieces;
+  };
+  for (const LongBlock c : {LongBlock{64, 200, 64}, LongBlock{1, 5, 1}, LongBlock{256, 4096, 256},
+                            LongBlock{0, 300, 1024}, LongBlock{-5, 300, 1024}}) {
+    SCOPED_TRACE(c.announced);
+    // An announcement no block can have keeps the size prepared at construction.
+    expectFloatEqualsRoundedDouble(48000.0f, c.announced, c.sent, c.pieces, c.announced % 2 == 0);
+  }
+}
+
+TEST(FloatPath, BeforeAnyAnnouncementBlocksRunInPiecesOfTheDefaultSize) {
+  DawInstance standard("VSTPluginMain"), original;
+  standard.dispatch(effSetSampleRate, 0, 0, nullptr, 44100.0f);
+  original.dispatch(effSetSampleRate, 0, 0, nullptr, 44100.0f);
+  std::vector<float> io = bassSignal(2500, 44100.0, 0.5);
+  std::vector<double> reference = widened(io);
+  standard.setParameter(2, 0.9f);
+  original.setParameter(2, 0.9f);
+  standard.processFloat(io.data(), io.data(), 2500);
+  for (const int start : {0, 1024, 2048}) {
+    original.processDouble(&reference[start], &reference[start], std::min(1024, 2500 - start));
+  }
+  for (int i = 0; i < 2500; ++i) ASSERT_EQ(io[i], static_cast<float>(reference[i])) << i;
+}
+
+TEST(FloatPath, TheDoublePathIsTarnwellSosAndMissingBuffersAreLeftAlone) {
+  for (const float rate : {44100.0f, 48000.0f, 96000.0f}) {
+    DawInstance standard("VSTPluginMain"), original;
+    standard.prepare(rate, 128);
+    original.prepare(rate, 128);
+    const std::vector<float> signal = bassSignal(128 * 4, rate, 0.9);
+    std::vector<double> a = widened(signal), b = widened(signal);
+    for (int block = 0; block < 4; ++block) {
+      changeParameters(block, standard, original);
+      standard.processDouble(&a[block * 128], &a[block * 128], 128);
+      original.processDouble(&b[block * 128], &b[block * 128], 128);
+    }
+    EXPECT_EQ(a, b) << rate;
+  }
+  DawInstance standard("VSTPluginMain");
+  standard.prepare(48000.0f, 64);
+  float untouched[64] = {};
+  float* noBuffer = nullptr;
+  float* output = untouched;
+  standard.effect()->processReplacing(standard.effect(), nullptr, &output, 64);
+  standard.effect()->processReplacing(standard.effect(), &noBuffer, &output, 64);
+  for (const float v : untouched) EXPECT_EQ(v, 0.0f);
+}
+
+}  // namespace
