@@ -4,6 +4,8 @@
 #include <limits>
 #include <new>
 
+#include "amp/tarnwell.h"
+
 namespace tarnwell::lv2 {
 
 Lv2Amp::Lv2Amp(double sampleRate, std::uint32_t maxBlock)
@@ -20,8 +22,7 @@ Lv2Amp::~Lv2Amp() {
 
 std::unique_ptr<AudioEffect> Lv2Amp::makeEffect(float sampleRate, int maxBlock) {
   // No host callback: the amp asks nothing of its host.
-  std::unique_ptr<AudioEffect> effect(createPluginFilter(nullptr));
-  if (!effect) throw std::bad_alloc();
+  std::unique_ptr<AudioEffect> effect = std::make_unique<Tarnwell>(nullptr);
   effect->open();
   effect->setSampleRate(sampleRate);
   effect->setBlockSize(maxBlock);

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "amp/parameter_table.h"
+#include "amp/tarnwell.h"
 #include "hostif/audioeffect.h"
 #include "lilv_host.h"
 
@@ -28,7 +29,7 @@ constexpr std::size_t kDeep = 0, kVolume = 1, kTreble = 2, kBass = 3, kMaster = 
 // The double chain straight from the amp library, set as a host sets parameters.
 class DoubleChain {
  public:
-  DoubleChain(double rate, int maxBlock) : effect_(createPluginFilter(nullptr)) {
+  DoubleChain(double rate, int maxBlock) : effect_(std::make_unique<Tarnwell>(nullptr)) {
     effect_->setSampleRate(static_cast<float>(rate));
     effect_->setBlockSize(maxBlock);
     effect_->resume();
