@@ -16,8 +16,8 @@
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <cerrno>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -92,7 +92,8 @@ std::vector<float> bassTone(double rate) {
 
 // The amp library's output for the same history: a second of silence in the server's periods,
 // then the tone.
-std::vector<float> reference(const std::vector<float>& tone, double rate, int period, float treble) {
+std::vector<float> reference(const std::vector<float>& tone, double rate, int period,
+                             float treble) {
   std::unique_ptr<AudioEffect> amp(createPluginFilter(nullptr));
   amp->setSampleRate(static_cast<float>(rate));
   amp->setBlockSize(period);

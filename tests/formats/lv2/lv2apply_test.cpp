@@ -42,7 +42,8 @@ Sound readMono(const fs::path& path) {
   }
   sound.rate = info.samplerate;
   sound.samples.resize(static_cast<std::size_t>(info.frames));
-  sound.samples.resize(static_cast<std::size_t>(sf_readf_float(file, sound.samples.data(), info.frames)));
+  sound.samples.resize(
+      static_cast<std::size_t>(sf_readf_float(file, sound.samples.data(), info.frames)));
   sf_close(file);
   return sound;
 }
