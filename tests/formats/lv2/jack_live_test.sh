@@ -38,7 +38,7 @@ export JACK_DEFAULT_SERVER=$server
 export JACK_NO_AUDIO_RESERVATION=1 JACK_NO_START_SERVER=1
 export LV2_PATH=$lv2_dir
 
-jackd --no-realtime -n "$server" -d dummy -r 48000 -p 256 >"$work/jackd.log" 2>&1 &
+jackd --no-realtime -n "$server" -d dummy -r 48000 -p 1024 >"$work/jackd.log" 2>&1 &
 jackd_pid=$!
 if ! jack_wait -w -t 60 >/dev/null; then
   echo "the JACK server did not start"; cat "$work/jackd.log"
