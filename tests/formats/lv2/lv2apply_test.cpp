@@ -1,14 +1,15 @@
 // Real clients as a user drives them: Debian's lv2apply renders a bass DI through the bundle in
 // the build tree, and `tarnwell render` renders the same file with the same dial settings. Both
-// run the same double chain and write float files, but start differently: lv2apply's fresh
-// instance fades in over its first (one-sample) run, while the command's instance starts from
-// its own history. Once the filter states have forgotten the start, the two files agree within
-// float rounding.
+// run the same double chain and write float files but start differently: lv2apply's fresh
+// instance fades in over its first (one-sample) run, while the command first runs its instance
+// on silence until settled. Past the start the two files agree within float rounding.
 //
 // Measured on the 6.3 s demo riff at 44100 Hz with DEEP on, BASS 7, TREBLE 4.5, MASTER 3 (peak
-// about 0.52): the first 4096 samples differ by up to 0.39 (the command's first block fades in),
-// from sample 10000 by at most 1.5e-8, and from sample 44100 (1 s) on, where this test compares,
-// by 2.9e-11; a float's rounding step at the peak is 6e-8.
+// 0.52): the largest difference is 0 from the first sample on, since the riff starts from
+// silence and the fade meets no signal. (Before the command settled its instance, its own fade
+// over the first 4096-sample block made the files differ by up to 0.39 there, by 1.5e-8 from
+// sample 10000 and by 2.9e-11 from sample 44100.) The test compares from sample 44100 (1 s) on,
+// with one float rounding step at the peak (6e-8) as the bound.
 #include <gtest/gtest.h>
 #include <sndfile.h>
 
