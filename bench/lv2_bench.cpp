@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "amp/tarnwell.h"
 #include "formats/lv2/lv2_amp.h"
 #include "hostif/audioeffect.h"
 
@@ -31,7 +32,7 @@ void perSample(benchmark::State& state, int block) {
 
 void BM_DoublePath(benchmark::State& state) {
   const int block = static_cast<int>(state.range(0));
-  std::unique_ptr<AudioEffect> effect(createPluginFilter(nullptr));
+  std::unique_ptr<AudioEffect> effect = std::make_unique<Tarnwell>(nullptr);
   effect->setSampleRate(static_cast<float>(kRate));
   effect->setBlockSize(block);
   effect->resume();

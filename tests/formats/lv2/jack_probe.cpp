@@ -29,6 +29,7 @@
 #include <vector>
 
 #include "amp/parameter_table.h"
+#include "amp/tarnwell.h"
 #include "hostif/audioeffect.h"
 
 namespace {
@@ -109,7 +110,7 @@ std::vector<float> bassTone(double rate) {
 // then the tone.
 std::vector<float> reference(const std::vector<float>& tone, double rate, int period,
                              float treble) {
-  std::unique_ptr<AudioEffect> amp(createPluginFilter(nullptr));
+  std::unique_ptr<AudioEffect> amp = std::make_unique<Tarnwell>(nullptr);
   amp->setSampleRate(static_cast<float>(rate));
   amp->setBlockSize(period);
   amp->resume();
