@@ -1,8 +1,8 @@
 #include "formats/lv2/lv2_amp.h"
 
 #include <algorithm>
+#include <exception>
 #include <limits>
-#include <new>
 
 #include "amp/tarnwell.h"
 
@@ -48,8 +48,8 @@ void Lv2Amp::activate() noexcept {
     effect_ = std::move(fresh);
     std::fill(std::begin(applied_), std::end(applied_), std::numeric_limits<float>::quiet_NaN());
     ranSinceFresh_ = false;
-  } catch (const std::bad_alloc&) {
-    // Out of memory: play on with the chain's history rather than fall silent.
+  } catch (const std::exception&) {
+    // No fresh effect (out of memory): play on with the chain's history rather than fall silent.
   }
 }
 

@@ -28,7 +28,7 @@ namespace tarnwell::lv2 {
 class Lv2Amp {
  public:
   // An instance at `sampleRate` whose runs of up to `maxBlock` samples go in one piece.
-  // Throws std::bad_alloc when memory runs out.
+  // Throws when the effect cannot be made (out of memory, no mutex).
   Lv2Amp(double sampleRate, std::uint32_t maxBlock);
   ~Lv2Amp();
   Lv2Amp(const Lv2Amp&) = delete;
