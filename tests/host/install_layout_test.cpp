@@ -1,6 +1,6 @@
 // The command as installed under a prefix: it finds the plug-in beside itself first, then in the
-// prefix's lib/tarnwell/, whatever folder it is started from; when neither holds it, it names both
-// places and writes nothing. --version gives the release the build was made from.
+// prefix's lib/tarnwell/, whatever folder or link it is started from; when neither holds it, it
+// names both places and writes nothing. --version gives the release the build was made from.
 #include <gtest/gtest.h>
 
 #include "host_test_support.h"
@@ -39,6 +39,11 @@ TEST(InstalledCommand, FindsThePluginBesideItselfFirstThenInLibTarnwell) {
   const InstalledTree tree;
   tree.place(kAmp, "lib/tarnwell/tarnwell.so");
   EXPECT_EQ(loadedLibrary(tree.run({"info"})), tree.prefix / "lib/tarnwell/tarnwell.so");
+  // Started through a link elsewhere, as from /usr/local/bin to an /opt tree.
+  const ScratchDir elsewhere;
+  fs::create_symlink(tree.command, elsewhere / "tarnwell");
+  EXPECT_EQ(loadedLibrary(runCommand({"info"}, elsewhere / "tarnwell")),
+            tree.prefix / "lib/tarnwell/tarnwell.so");
 
   tree.place(testPlugin("fake"), "bin/tarnwell.so");
   EXPECT_EQ(loadedLibrary(tree.run({"info"})), tree.prefix / "bin/tarnwell.so");
