@@ -38,7 +38,7 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 constexpr auto kReachTimeout = 30s;
-constexpr auto kTakeTimeout = 120s;
+constexpr auto kTakeTimeout = 60s;
 constexpr auto kSettle = 2s;  // the amp's tail after a take is far below float rounding by then
 constexpr int kTakes = 5;
 
@@ -228,7 +228,7 @@ int main(int argc, char** argv) {
     const int xrunsBefore = probe.xruns.load();
     probe.requested.store(take, std::memory_order_release);
     if (!waitFor([&] { return probe.finished.load(std::memory_order_acquire) == take; },
-                 std::chrono::duration_cast<std::chrono::seconds>(kTakeTimeout))) {
+                 kTakeTimeout)) {
       exit = fail("the take never finished: is the server running?");
       break;
     }
