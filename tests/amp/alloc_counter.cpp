@@ -1,6 +1,6 @@
-// Counts every operator new; exported, so the loaded plug-in (and the library's new[]) binds to
-// them too. While failAllocations is set, every one fails as if memory had run out. Alone in this
-// file so that no caller inlines them.
+// Counts every operator new, single and array (a sanitizer's runtime would serve new[] itself);
+// exported, so the loaded plug-in binds to them too. While failAllocations is set, every one fails
+// as if memory had run out. Alone in this file so that no caller inlines them.
 #include <atomic>
 #include <cstdlib>
 #include <new>
@@ -20,9 +20,22 @@ void* operator new(std::size_t size) {
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
   return counted(size);
 }
+void* operator new[](std::size_t size) {
+  if (void* p = counted(size)) return p;
+  throw std::bad_alloc();
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+  return counted(size);
+}
 void operator delete(void* p) noexcept {
   std::free(p);
 }
 void operator delete(void* p, std::size_t) noexcept {
+  std::free(p);
+}
+void operator delete[](void* p) noexcept {
+  std::free(p);
+}
+void operator delete[](void* p, std::size_t) noexcept {
   std::free(p);
 }
