@@ -22,23 +22,20 @@
 // Audio thread only; allocation-free, no call, no lock.
 #pragma once
 
-#include <emmintrin.h>
-
 #include <utility>
 
 #include "amp/chain_sections.h"
 #include "amp/oversampler.h"
 #include "amp/shaper_lookup.h"
 #include "dsp/clipper.h"
+#include "dsp/two_lanes.h"
 
 namespace chain {
 
 // x itself when finite, else 0: a NaN or infinity from the input, the tone stack or VOLUME enters
 // the oversampled section as silence.
 [[gnu::always_inline]] inline double finiteOrZero(double x) noexcept {
-  const __m128d v = _mm_set_sd(x);
-  const __m128d finite = _mm_cmpeq_sd(_mm_sub_sd(v, v), _mm_setzero_pd());
-  return _mm_cvtsd_f64(_mm_and_pd(v, finite));
+  return lanes::lane0(lanes::zeroUnlessFinite(lanes::make(x, 0.0)));
 }
 
 // Host samples per chunk: the scratch between the passes lives on the stack.
@@ -115,8 +112,8 @@ struct Block {
                   "the kept output leaves at the next host sample");
     if (begin >= end) return;
     using Os = Oversampler<F>;
-    __m128d state[5];
-    for (int k = 0; k < 5; ++k) state[k] = _mm_set_pd(down[k], up[k]);
+    lanes::Lanes state[5];
+    for (int k = 0; k < 5; ++k) state[k] = lanes::make(up[k], down[k]);
     // The master stage is a first-order shelf (b2 = a2 = 0), so its second state is a zero and
     // adding it to b1 * w, or a zero product to z1, can only change the sign of a zero. Such a
     // zero reaches nothing but the second shaper, which reads -0 and +0 alike, so the shelf runs
@@ -140,9 +137,9 @@ struct Block {
       constexpr auto active = [](int lag) { return Age * F + K >= lag && K < F + lag; };
       double w0 = w, u0 = u[0];
       if constexpr (active(1) || active(kLagL1)) {
-        const __m128d shaped = lookupPair(shape0, shape1, _mm_set_pd(gv[kWaitGain - 1], y));
-        w0 = _mm_cvtsd_f64(shaped);
-        u0 = _mm_cvtsd_f64(_mm_unpackhi_pd(shaped, shaped));
+        const lanes::Lanes shaped = lookupPair(shape0, shape1, lanes::make(y, gv[kWaitGain - 1]));
+        w0 = lanes::lane0(shaped);
+        u0 = lanes::lane1(shaped);
       }
       double gvNew = 0.0;
       if constexpr (active(kLagM)) {
@@ -150,18 +147,17 @@ struct Block {
         shelf.z1 = shelf.b1 * w + shelf.a1 * v;
         gvNew = v * (K >= kLagM ? g : gPrev);
       }
-      const __m128d in = _mm_set_pd(u[kWaitDown - 1], K == 0 ? xi : 0.0);
+      const lanes::Lanes in = lanes::make(K == 0 ? xi : 0.0, u[kWaitDown - 1]);
       if constexpr (active(0) && active(kLagDown)) {
-        const __m128d out = Os::run(in, state);
-        y = _mm_cvtsd_f64(out);
+        const lanes::Lanes out = Os::run(in, state);
+        y = lanes::lane0(out);
         // The down-filter's sub-sample is the first of host sample i - 1 (i in the drain).
-        if constexpr (K == kLagDown - F)
-          z[i - 1 - begin] = _mm_cvtsd_f64(_mm_unpackhi_pd(out, out));
+        if constexpr (K == kLagDown - F) z[i - 1 - begin] = lanes::lane1(out);
       } else if constexpr (active(0)) {
-        y = _mm_cvtsd_f64(Os::template runLane<0>(in, state));
+        y = lanes::lane0(Os::template runLane<0>(in, state));
       } else if constexpr (active(kLagDown)) {
-        const __m128d out = Os::template runLane<1>(in, state);
-        if constexpr (K == kLagDown) z[i - begin] = _mm_cvtsd_f64(_mm_unpackhi_pd(out, out));
+        const lanes::Lanes out = Os::template runLane<1>(in, state);
+        if constexpr (K == kLagDown) z[i - begin] = lanes::lane1(out);
       }
       w = w0;
       for (int k = kWaitGain - 1; k > 0; --k) gv[k] = gv[k - 1];
@@ -200,8 +196,8 @@ struct Block {
     }
 
     for (int k = 0; k < 5; ++k) {
-      up[k] = _mm_cvtsd_f64(state[k]);
-      down[k] = _mm_cvtsd_f64(_mm_unpackhi_pd(state[k], state[k]));
+      up[k] = lanes::lane0(state[k]);
+      down[k] = lanes::lane1(state[k]);
     }
     masterStage.z1 = shelf.z1;
     masterStage.z2 = 0.0;  // the shelf's second state is a zero

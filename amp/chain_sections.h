@@ -5,9 +5,8 @@
 // Audio thread; inline, allocation-free, no call.
 #pragma once
 
-#include <emmintrin.h>
-
 #include "dsp/iirfilter.h"
+#include "dsp/two_lanes.h"
 
 namespace chain {
 
@@ -104,48 +103,48 @@ struct RampSection {
 // while lane 1 runs the second on sample n - 1, the first one's previous output. Each lane runs
 // Section::run's operations exactly.
 struct SectionPair {
-  __m128d b0, b1, b2, a1, a2, z1, z2;
+  lanes::Lanes b0, b1, b2, a1, a2, z1, z2;
   double held;  // lane 0's last output: lane 1's next input
 
   void load(const Section& first, const Section& second) noexcept {
-    b0 = _mm_set_pd(second.b0, first.b0);
-    b1 = _mm_set_pd(second.b1, first.b1);
-    b2 = _mm_set_pd(second.b2, first.b2);
-    a1 = _mm_set_pd(second.a1, first.a1);
-    a2 = _mm_set_pd(second.a2, first.a2);
-    z1 = _mm_set_pd(second.z1, first.z1);
-    z2 = _mm_set_pd(second.z2, first.z2);
+    b0 = lanes::make(first.b0, second.b0);
+    b1 = lanes::make(first.b1, second.b1);
+    b2 = lanes::make(first.b2, second.b2);
+    a1 = lanes::make(first.a1, second.a1);
+    a2 = lanes::make(first.a2, second.a2);
+    z1 = lanes::make(first.z1, second.z1);
+    z2 = lanes::make(first.z2, second.z2);
     held = 0.0;
   }
   void store(Section& first, Section& second) const noexcept {
-    first.z1 = _mm_cvtsd_f64(z1);
-    first.z2 = _mm_cvtsd_f64(z2);
-    second.z1 = _mm_cvtsd_f64(_mm_unpackhi_pd(z1, z1));
-    second.z2 = _mm_cvtsd_f64(_mm_unpackhi_pd(z2, z2));
+    first.z1 = lanes::lane0(z1);
+    first.z2 = lanes::lane0(z2);
+    second.z1 = lanes::lane1(z1);
+    second.z2 = lanes::lane1(z2);
   }
 
-  [[gnu::always_inline]] __m128d step(__m128d x) noexcept {
-    const __m128d y = _mm_add_pd(_mm_mul_pd(b0, x), z1);
-    z1 = _mm_add_pd(_mm_add_pd(_mm_mul_pd(b1, x), z2), _mm_mul_pd(a1, y));
-    z2 = _mm_add_pd(_mm_mul_pd(b2, x), _mm_mul_pd(a2, y));
+  [[gnu::always_inline]] lanes::Lanes step(lanes::Lanes x) noexcept {
+    const lanes::Lanes y = b0 * x + z1;
+    z1 = (b1 * x + z2) + a1 * y;
+    z2 = b2 * x + a2 * y;
     return y;
   }
 
   // Both lanes on real samples: x in, the second section's output out.
   [[gnu::always_inline]] double run(double x) noexcept {
-    const __m128d y = step(_mm_set_pd(held, x));
-    held = _mm_cvtsd_f64(y);
-    return _mm_cvtsd_f64(_mm_unpackhi_pd(y, y));
+    const lanes::Lanes y = step(lanes::make(x, held));
+    held = lanes::lane0(y);
+    return lanes::lane1(y);
   }
 
   // Filling or draining the cascade: a lane without a sample keeps its state.
   double runMasked(double x, bool firstActive, bool secondActive) noexcept {
-    const __m128d z1Before = z1, z2Before = z2;
-    const __m128d y = step(_mm_set_pd(held, firstActive ? x : 0.0));
-    if (!firstActive) z1 = _mm_move_sd(z1, z1Before), z2 = _mm_move_sd(z2, z2Before);
-    if (!secondActive) z1 = _mm_move_sd(z1Before, z1), z2 = _mm_move_sd(z2Before, z2);
-    if (firstActive) held = _mm_cvtsd_f64(y);
-    return _mm_cvtsd_f64(_mm_unpackhi_pd(y, y));
+    const lanes::Lanes z1Before = z1, z2Before = z2;
+    const lanes::Lanes y = step(lanes::make(firstActive ? x : 0.0, held));
+    if (!firstActive) z1 = lanes::merge(z1Before, z1), z2 = lanes::merge(z2Before, z2);
+    if (!secondActive) z1 = lanes::merge(z1, z1Before), z2 = lanes::merge(z2, z2Before);
+    if (firstActive) held = lanes::lane0(y);
+    return lanes::lane1(y);
   }
 };
 

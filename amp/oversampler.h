@@ -2,9 +2,8 @@
 // the two lanes of one register. Audio thread; inline, no call.
 #pragma once
 
-#include <emmintrin.h>
-
 #include "amp/oversampling.h"
+#include "dsp/two_lanes.h"
 
 namespace chain {
 
@@ -16,25 +15,25 @@ template <int F>
 struct Oversampler {
   static constexpr const OversamplingSet& set = oversamplingSet<F>();
 
-  [[gnu::always_inline]] static __m128d run(__m128d x, __m128d* s) noexcept {
-    const auto a = [](int k) { return _mm_set1_pd(set.a[k - 1]); };
-    const auto b = [](int k) { return _mm_set1_pd(set.b[k]); };
-    const __m128d y = _mm_add_pd(_mm_mul_pd(b(0), x), s[0]);
-    s[0] = _mm_add_pd(_mm_add_pd(_mm_mul_pd(b(1), x), _mm_mul_pd(a(1), y)), s[1]);
-    s[1] = _mm_add_pd(_mm_add_pd(_mm_mul_pd(b(2), x), _mm_mul_pd(a(2), y)), s[2]);
-    s[2] = _mm_add_pd(_mm_add_pd(_mm_mul_pd(b(3), x), _mm_mul_pd(a(3), y)), s[3]);
-    s[3] = _mm_add_pd(_mm_add_pd(_mm_mul_pd(b(4), x), _mm_mul_pd(a(4), y)), s[4]);
-    s[4] = _mm_add_pd(_mm_mul_pd(b(5), x), _mm_mul_pd(a(5), y));
+  [[gnu::always_inline]] static lanes::Lanes run(lanes::Lanes x, lanes::Lanes* s) noexcept {
+    const auto a = [](int k) { return lanes::both(set.a[k - 1]); };
+    const auto b = [](int k) { return lanes::both(set.b[k]); };
+    const lanes::Lanes y = b(0) * x + s[0];
+    s[0] = (b(1) * x + a(1) * y) + s[1];
+    s[1] = (b(2) * x + a(2) * y) + s[2];
+    s[2] = (b(3) * x + a(3) * y) + s[3];
+    s[3] = (b(4) * x + a(4) * y) + s[4];
+    s[4] = b(5) * x + a(5) * y;
     return y;
   }
 
   // One step of one filter only: the other lane's state stays as it was.
   template <int Lane>
-  [[gnu::always_inline]] static __m128d runLane(__m128d x, __m128d* s) noexcept {
-    __m128d next[5] = {s[0], s[1], s[2], s[3], s[4]};
-    const __m128d y = run(x, next);
+  [[gnu::always_inline]] static lanes::Lanes runLane(lanes::Lanes x, lanes::Lanes* s) noexcept {
+    lanes::Lanes next[5] = {s[0], s[1], s[2], s[3], s[4]};
+    const lanes::Lanes y = run(x, next);
     for (int k = 0; k < 5; ++k) {
-      s[k] = Lane == 0 ? _mm_move_sd(s[k], next[k]) : _mm_move_sd(next[k], s[k]);
+      s[k] = Lane == 0 ? lanes::merge(next[k], s[k]) : lanes::merge(s[k], next[k]);
     }
     return y;
   }

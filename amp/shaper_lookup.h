@@ -2,11 +2,10 @@
 // inline, no branch, no call.
 #pragma once
 
-#include <emmintrin.h>
-
 #include <cstddef>
 
 #include "dsp/clipper.h"
+#include "dsp/two_lanes.h"
 
 namespace chain {
 
@@ -20,20 +19,20 @@ static_assert(offsetof(Clipper, guard) == offsetof(Clipper, table) + kClipSize *
 // - an entry and its right-hand neighbour come in one 16-byte load; for the last entry that
 //   neighbour is the record's guard, as in clipLookup;
 // - (next - here) * t + here.
-// A NaN reads as +1 (minpd returns its second operand for it), so the index stays in the table.
+// A NaN reads as +1 (the clamp keeps the limit for it), so the index stays in the table.
 // The chain keeps NaN away from here (see Block), so this is only the last line of defence.
-[[gnu::always_inline]] inline __m128d lookupPair(const Clipper& c0, const Clipper& c1,
-                                                 __m128d u) noexcept {
-  const __m128d scale = _mm_set1_pd(kClipScale);
-  const __m128d v = _mm_max_pd(_mm_min_pd(u, _mm_set1_pd(1.0)), _mm_set1_pd(-1.0));
-  const __m128d p = _mm_add_pd(scale, _mm_mul_pd(v, scale));
-  const __m128i i = _mm_cvttpd_epi32(p);
-  const __m128d t = _mm_sub_pd(p, _mm_cvtepi32_pd(i));
-  const __m128d pair0 = _mm_loadu_pd(&c0.table[_mm_cvtsi128_si32(i)]);
-  const __m128d pair1 = _mm_loadu_pd(&c1.table[_mm_cvtsi128_si32(_mm_srli_si128(i, 4))]);
-  const __m128d here = _mm_unpacklo_pd(pair0, pair1);
-  const __m128d next = _mm_unpackhi_pd(pair0, pair1);
-  return _mm_add_pd(_mm_mul_pd(_mm_sub_pd(next, here), t), here);
+[[gnu::always_inline]] inline lanes::Lanes lookupPair(const Clipper& c0, const Clipper& c1,
+                                                      lanes::Lanes u) noexcept {
+  const lanes::Lanes scale = lanes::both(kClipScale);
+  const lanes::Lanes v = lanes::atLeast(lanes::atMost(u, lanes::both(1.0)), lanes::both(-1.0));
+  const lanes::Lanes p = scale + v * scale;
+  const lanes::LaneIndices i = lanes::truncated(p);
+  const lanes::Lanes t = p - lanes::widened(i);
+  const lanes::Lanes pair0 = lanes::loadPair(&c0.table[i[0]]);
+  const lanes::Lanes pair1 = lanes::loadPair(&c1.table[i[1]]);
+  const lanes::Lanes here = lanes::lows(pair0, pair1);
+  const lanes::Lanes next = lanes::highs(pair0, pair1);
+  return (next - here) * t + here;
 }
 
 }  // namespace chain

@@ -1,23 +1,23 @@
-// Scope guard for the SSE flush-to-zero mode: results that would be denormal become zero while it
-// lives. Denormal inputs are still read as they are (DAZ stays as the caller had it).
+// Scope guard for the flush-to-zero mode: results that would be denormal become zero while it
+// lives (fp_control.h says what each processor does with denormal operands).
 //
-// The constructor saves the calling thread's MXCSR and sets FTZ; the destructor restores the saved
-// word on every path out of the scope. Both are single instructions, fit for the audio thread.
-// Needs SSE (always on x86-64; -msse2 on 32-bit x86).
+// The constructor saves the calling thread's whole control word and sets the flush-to-zero bit;
+// the destructor restores the saved word on every path out of the scope, so the caller's rounding
+// and other modes come back as they were. Both are single instructions, fit for the audio thread.
 #pragma once
 
-#include <xmmintrin.h>
+#include "dsp/fp_control.h"
 
 class FlushToZeroGuard {
  public:
-  FlushToZeroGuard() noexcept : saved_(_mm_getcsr()) { _mm_setcsr(saved_ | kFlushToZero); }
-  ~FlushToZeroGuard() { _mm_setcsr(saved_); }
+  FlushToZeroGuard() noexcept : saved_(fpcontrol::read()) {
+    fpcontrol::write(saved_ | fpcontrol::kFlushToZero);
+  }
+  ~FlushToZeroGuard() { fpcontrol::write(saved_); }
 
   FlushToZeroGuard(const FlushToZeroGuard&) = delete;
   FlushToZeroGuard& operator=(const FlushToZeroGuard&) = delete;
 
  private:
-  static constexpr unsigned int kFlushToZero = 0x8000;  // MXCSR bit 15
-
-  unsigned int saved_;
+  fpcontrol::Word saved_;
 };

@@ -1,12 +1,12 @@
 // The block procedure through the loaded plug-in: gain ramps, bounds, allocation,
 // floating-point state, denormals, bad input and the state before the first set-up.
 #include <gtest/gtest.h>
-#include <xmmintrin.h>
 
 #include <atomic>
 #include <cfloat>
 #include <numeric>
 
+#include "dsp/fp_control.h"
 #include "loaded_plugin.h"
 
 extern std::atomic<long> allocations;  // every operator new, counted in alloc_counter.cpp
@@ -30,16 +30,18 @@ TEST(Processing, AllocatesNothingAndRestoresTheCallersFloatingPointState) {
   ASSERT_GT(allocations.load(), before);
   plugin.setSampleRate(44100.0f);
   std::vector<double> in = testSignal(1024, 44100.0, 0.5), out(1024);
-  const unsigned int saved = _mm_getcsr();
+  const fpcontrol::Word saved = fpcontrol::read();
   before = allocations.load();
   for (int block = 0; block < 21; ++block) {
     plugin.setParameter(3, 0.05f * block);  // redesigns as well
-    const unsigned int mode = 0x1F80u | (block % 3 == 1 ? 0x40u : block % 3 == 2 ? 0x8000u : 0u);
-    _mm_setcsr(mode);  // plain, DAZ or FTZ
+    const fpcontrol::Word mode = saved | (block % 3 == 1   ? fpcontrol::kRoundUpward
+                                          : block % 3 == 2 ? fpcontrol::kFlushToZero
+                                                           : 0u);
+    fpcontrol::write(mode);  // plain, rounding upward or flushing
     plugin.process(in.data(), out.data(), block == 20 ? 0 : 1024);
-    EXPECT_EQ(_mm_getcsr(), mode);
+    EXPECT_EQ(fpcontrol::read(), mode);
   }
-  _mm_setcsr(saved);
+  fpcontrol::write(saved);
   EXPECT_EQ(allocations.load(), before);
 }
 

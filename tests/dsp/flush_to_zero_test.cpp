@@ -1,37 +1,39 @@
-// The flush-to-zero guard: flushes denormal results in its scope only, and restores the MXCSR.
+// The flush-to-zero guard: flushes denormal results in its scope only, and restores the caller's
+// whole control word (MXCSR on x86, FPCR on AArch64).
 #include "dsp/flush_to_zero.h"
 
 #include <gtest/gtest.h>
-#include <xmmintrin.h>
 
 namespace {
 
-constexpr unsigned int kFtz = 0x8000, kDaz = 0x0040, kRoundUp = 0x4000;
-
-// Run-time operands, so that the products happen on the SSE unit, not in the compiler.
-volatile double gTiny = 1e-300, gScale = 1e-10, gDenormal = 1e-310;
+// Run-time operands, so that the products happen on the processor, not in the compiler.
+volatile double gTiny = 1e-300, gScale = 1e-10, gHalf = 0.5;
 
 TEST(FlushToZeroGuard, FlushesDenormalResultsOnlyInsideItsScope) {
   const double outside = gTiny * gScale;
   {
     FlushToZeroGuard guard;
     EXPECT_EQ(gTiny * gScale, 0.0);
-    EXPECT_GT(gDenormal * 1e10, 0.0);  // a denormal input still counts
+    EXPECT_EQ(gTiny * gScale * 1e10, 0.0);
+    EXPECT_EQ(gTiny * gHalf, 5e-301);  // normal results are untouched
   }
   EXPECT_TRUE(outside > 0.0 && gTiny * gScale == outside);
 }
 
 TEST(FlushToZeroGuard, SetsOnlyFlushToZeroAndRestoresTheCallersControlWord) {
-  const unsigned int original = _mm_getcsr();  // round to nearest, no FTZ/DAZ: the ABI's default
-  for (unsigned int callers : {original, original | kRoundUp, original | kFtz, original | kDaz}) {
-    _mm_setcsr(callers);
+  using fpcontrol::kFlushToZero, fpcontrol::kRoundUpward;
+  const fpcontrol::Word original = fpcontrol::read();  // the ABI's default: nearest, no flushing
+  ASSERT_EQ(original & (kFlushToZero | kRoundUpward), 0u);
+  for (const fpcontrol::Word callers :
+       {original, original | kRoundUpward, original | kFlushToZero}) {
+    fpcontrol::write(callers);
     {
       FlushToZeroGuard guard;
-      EXPECT_EQ(_mm_getcsr(), callers | kFtz);
+      EXPECT_EQ(fpcontrol::read(), callers | kFlushToZero);
     }
-    EXPECT_EQ(_mm_getcsr(), callers);
+    EXPECT_EQ(fpcontrol::read(), callers);
   }
-  _mm_setcsr(original);
+  fpcontrol::write(original);
 }
 
 }  // namespace
