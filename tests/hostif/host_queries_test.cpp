@@ -18,6 +18,13 @@ struct Ptr {  // the marker pointer, as whichever pointer type a query takes
   }
 };
 
+// A float argument in a form every compiler takes as a template argument (clang 14 takes no float
+// there): the value n / d.
+template <int n, int d>
+struct Fraction {
+  operator float() const { return static_cast<float>(n) / d; }
+};
+
 // Calls one query with fixed arguments; its result as an integer.
 template <auto query, auto... args>
 VstIntPtr ask(E& e) {
@@ -50,7 +57,8 @@ const Query kQueries[] = {
   {ask<&E::masterIdle>, audioMasterIdle, 0, 0, nullptr, 0, 3, 3, 0},
   {ask<&E::isInputConnected, 3>, audioMasterPinConnected, 3, 0, nullptr, 0, 0, 1, 1},
   {ask<&E::isOutputConnected, 3>, audioMasterPinConnected, 3, 1, nullptr, 0, 1, 0, 1},
-  {ask<&E::setParameterAutomated, 2, 0.75f>, audioMasterAutomate, 2, 0, nullptr, 0.75f, 0, 0, 0},
+  {ask<&E::setParameterAutomated, 2, Fraction<3, 4>{}>,
+   audioMasterAutomate, 2, 0, nullptr, 0.75f, 0, 0, 0},
   {ask<&E::getTimeInfo, 7>, audioMasterGetTime, 0, 7, nullptr, 0, P, P, 0},
   {ask<&E::sendVstEventsToHost, Ptr{}>, audioMasterProcessEvents, 0, 0, kPtr, 0, 1, 1, 0},
   {ask<&E::sendVstEventsToHost, Ptr{}>, audioMasterProcessEvents, 0, 0, kPtr, 0, 2, 0, 0},
@@ -75,7 +83,7 @@ const Query kQueries[] = {
   {ask<&E::getHostVendorString, Ptr{}>, audioMasterGetVendorString, 0, 0, kPtr, 0, 1, 1, 0},
   {ask<&E::getHostProductString, Ptr{}>, audioMasterGetProductString, 0, 0, kPtr, 0, 1, 1, 0},
   {ask<&E::getHostVendorVersion>, audioMasterGetVendorVersion, 0, 0, nullptr, 0, 1200, 1200, 0},
-  {ask<&E::hostVendorSpecific, 4, 5, Ptr{}, 0.25f>,
+  {ask<&E::hostVendorSpecific, 4, 5, Ptr{}, Fraction<1, 4>{}>,
    audioMasterVendorSpecific, 4, 5, kPtr, 0.25f, 6, 6, 0},
   {ask<&E::canHostDo, Ptr{}>, audioMasterCanDo, 0, 0, kPtr, 0, -1, 1, 0},
   {ask<&E::getHostLanguage>, audioMasterGetLanguage, 0, 0, nullptr, 0, 2, 2, 0},
