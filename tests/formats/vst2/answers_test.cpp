@@ -98,11 +98,4 @@ TEST(Entry, HostsThatRefuseOrFailGetNoEffect) {
       nullptr);
 }
 
-TEST(Entry, EachCallMakesItsOwnInstance) {
-  DawInstance first("VSTPluginMain"), second("main");
-  ASSERT_TRUE(first.effect() && second.effect() && first.effect() != second.effect());
-  first.setParameter(3, 0.9f);
-  EXPECT_EQ(second.getParameter(3), 0.5f);
-}
-
 }  // namespace
