@@ -3,10 +3,11 @@
 #include <cstring>
 
 #include "amp/filter_bank.h"
+#include "amp/identity.h"
 
 namespace {
 
-constexpr char kEffectName[] = "NEW Tarnwell";
+using tarnwell::kEffectName;
 // Little-endian memory reads "001B".
 constexpr VstInt32 kUniqueId = 0x42313030;
 constexpr double kTrimGain = 0.562341325;  // -5 dB

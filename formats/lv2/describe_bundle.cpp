@@ -9,11 +9,13 @@
 // written. Runs at build time only.
 #include <charconv>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "formats/lv2/ports.h"
 

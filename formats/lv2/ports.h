@@ -9,13 +9,14 @@
 #include <cstdint>
 #include <string_view>
 
+#include "amp/identity.h"
 #include "amp/parameter_table.h"
 
 namespace tarnwell::lv2 {
 
 // A URN of the product's own: no web domain to keep alive.
 inline constexpr char kPluginUri[] = "urn:tarnwell:amp";
-inline constexpr std::string_view kPluginName = "NEW Tarnwell";
+inline constexpr std::string_view kPluginName = kEffectName;
 
 enum AudioPort : std::uint32_t { kAudioIn = 0, kAudioOut = 1 };
 inline constexpr std::uint32_t kFirstControlPort = 2;
