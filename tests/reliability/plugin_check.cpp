@@ -3,7 +3,9 @@
 // of the output of sessions at four rates and five block sizes, for comparing two builds. Exit
 // status 0 when all passes; each failure is named.
 //
-//   plugin_check <tarnwell.so>        checks, then prints "sample <rate>/<block> <index> <hex>"
+//   plugin_check <tarnwell.so> [<tarnwell-vst2.so>]
+//       checks, then prints "sample <rate>/<block> <index> <hex>"; with the standard form, its
+//       float path's samples follow ("sample float-<rate>/<block> ...", widened exactly)
 //   plugin_check --compare <a> <b>    compares two such printouts, sample by sample
 //
 // The arithmetic is IEEE addition and multiplication in a fixed order with nothing fused, so the
@@ -35,25 +37,46 @@ void check(bool ok, const char* what) {
 // range is the one input the processors' flush-to-zero modes read differently.
 constexpr double kLevels[] = {1.0, 0x1p-7, 0.0, 0x1p-1030};
 constexpr int kSessionFrames = 3000;
+constexpr float kRates[] = {44100.0f, 48000.0f, 88200.0f, 96000.0f};
+constexpr int kBlocks[] = {1, 7, 64, 256, 1000};
 
 // One instance at `rate` playing blocks of `block` frames; before each block a parameter or
-// program change drawn from the seed (the tone stack redesigns and glides, the gains ramp).
-void printSession(reliability::EntryProc entry, float rate, int block) {
+// program change drawn from the seed (the tone stack redesigns and glides, the gains ramp). Double
+// samples go through the double path; float samples through the standard form's float path.
+template <typename Sample, typename Entry>
+void printSession(Entry entry, const char* form, float rate, int block) {
   reliability::PluginInstance plugin(entry);
   plugin.setSampleRate(rate);
   plugin.setAudible();
   reliability::NoiseSource random(2024 + block);
-  std::vector<double> in(block), out(block);
+  std::vector<double> noise(block);
+  std::vector<Sample> in(block), out(block);
   for (int done = 0; done < kSessionFrames; done += block) {
-    random.fill(in.data(), block);
+    random.fill(noise.data(), block);
     const double level = kLevels[random() % 4];
-    for (double& x : in) x *= level;
+    for (int i = 0; i < block; ++i) in[i] = static_cast<Sample>(noise[i] * level);
     reliability::playBlock(plugin, random, in.data(), out.data(), block);
     for (int i = 0; i < block; ++i) {
-      std::printf("sample %d/%d %d %016" PRIx64 "\n", static_cast<int>(rate), block, done + i,
-                  std::bit_cast<std::uint64_t>(out[i]));
+      std::printf("sample %s%d/%d %d %016" PRIx64 "\n", form, static_cast<int>(rate), block,
+                  done + i, std::bit_cast<std::uint64_t>(static_cast<double>(out[i])));
     }
   }
+}
+
+// The standard form (tarnwell-vst2.so): its float path through the same sessions.
+int runFloatSessions(const char* library) {
+  void* handle = dlopen(library, RTLD_NOW | RTLD_LOCAL);
+  const auto main =
+      handle ? reinterpret_cast<reliability::MainProc>(dlsym(handle, "VSTPluginMain")) : nullptr;
+  if (main == nullptr) {
+    std::fprintf(stderr, "plugin_check: no VSTPluginMain in %s: %s\n", library, dlerror());
+    return 1;
+  }
+  for (const float rate : kRates) {
+    for (const int block : kBlocks) printSession<float>(main, "float-", rate, block);
+  }
+  dlclose(handle);
+  return 0;
 }
 
 int runChecks(const char* library) {
@@ -64,7 +87,7 @@ int runChecks(const char* library) {
     std::fprintf(stderr, "plugin_check: no entry points in %s: %s\n", library, dlerror());
     return 1;
   }
-  for (const float rate : {44100.0f, 48000.0f, 88200.0f, 96000.0f}) {
+  for (const float rate : kRates) {
     reliability::PluginInstance plugin(entry);
     const AEffect* e = plugin.effect();
     char name[kVstMaxEffectNameLen + 1] = {};
@@ -77,7 +100,7 @@ int runChecks(const char* library) {
     if (e == nullptr) break;
     plugin.setParameter(2, 0.25f);
     check(plugin.getParameter(2) == 0.25f, "VOLUME 0.25 reads back exactly");
-    for (const int block : {1, 7, 64, 256, 1000}) printSession(entry, rate, block);
+    for (const int block : kBlocks) printSession<double>(entry, "", rate, block);
   }
   dlclose(handle);
   return failures == 0 ? 0 : 1;
@@ -109,8 +132,13 @@ int compare(const char* pathA, const char* pathB) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc == 2) return runChecks(argv[1]);
+  if (argc == 2 || argc == 3) {
+    const int status = runChecks(argv[1]);
+    return argc == 3 ? status | runFloatSessions(argv[2]) : status;
+  }
   if (argc == 4 && std::strcmp(argv[1], "--compare") == 0) return compare(argv[2], argv[3]);
-  std::fprintf(stderr, "usage: plugin_check <tarnwell.so> | plugin_check --compare <a> <b>\n");
+  std::fprintf(
+      stderr,
+      "usage: plugin_check <tarnwell.so> [<tarnwell-vst2.so>] | plugin_check --compare <a> <b>\n");
   return 2;
 }

@@ -12,6 +12,7 @@
 namespace reliability {
 
 using EntryProc = Orv_TypeIF* (*)(audioMasterCallback);
+using MainProc = AEffect* (*)(audioMasterCallback);  // the standard form's VSTPluginMain
 
 // Opened on construction, closed through effClose on destruction; effect() is null if the entry
 // point (of the plug-in linked in, or of one loaded) made no instance.
@@ -22,6 +23,9 @@ class PluginInstance {
       effect_ = handle->aeffect;
       delete handle;  // owns nothing; a host may drop it at once
     }
+    if (effect_ != nullptr) dispatch(effOpen);
+  }
+  explicit PluginInstance(MainProc main) : effect_(main(hostCallback)) {
     if (effect_ != nullptr) dispatch(effOpen);
   }
   ~PluginInstance() {
@@ -46,6 +50,9 @@ class PluginInstance {
   void process(double* in, double* out, VstInt32 frames) {  // `in` may equal `out`
     effect_->processDoubleReplacing(effect_, &in, &out, frames);
   }
+  void process(float* in, float* out, VstInt32 frames) {  // single precision
+    effect_->processReplacing(effect_, &in, &out, frames);
+  }
 
  private:
   static VstIntPtr hostCallback(AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {
@@ -65,8 +72,8 @@ struct NoiseSource : std::mt19937_64 {
 
 // One block of a session: a value in 0..1 stored to one of the five parameters (DEEP now and then
 // exactly 0 or 1), one time in four a program change, then the samples.
-inline void playBlock(PluginInstance& plugin, NoiseSource& random, double* in, double* out,
-                      int frames) {
+template <typename Sample>
+void playBlock(PluginInstance& plugin, NoiseSource& random, Sample* in, Sample* out, int frames) {
   const auto index = static_cast<VstInt32>(1 + random() % 5);
   const double u = 0.5 * (random.nextSample() + 1.0);
   plugin.setParameter(index, static_cast<float>(index == 1 && u < 0.5 ? u < 0.25 : u));
