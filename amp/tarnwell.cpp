@@ -4,14 +4,13 @@
 
 #include "amp/filter_bank.h"
 #include "amp/identity.h"
+#include "amp/tone_stack_design.h"
 
 namespace {
 
 using tarnwell::kEffectName;
 // Little-endian memory reads "001B".
 constexpr VstInt32 kUniqueId = 0x42313030;
-constexpr double kTrimGain = 0.562341325;  // -5 dB
-constexpr double kFreqOffset = 400.0;      // added to the bass band's frequency
 constexpr VstInt32 kNumFirstFilters = 2;
 constexpr VstInt32 kNumEqFilters = 7;
 constexpr VstInt32 kNumMasterFilters = 1;

@@ -4,9 +4,12 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <array>
 #include <filesystem>
+#include <optional>
 #include <string>
 
+#include "amp/parameter_table.h"
 #include "host/cli/render.h"
 
 namespace tarnwell::cli {
@@ -32,5 +35,21 @@ struct DemoCommand {
 };
 CLI::App* addDemo(CLI::App& app, DemoCommand& command);
 int runDemo(const DemoCommand& command);
+
+struct PlotCommand {
+  std::string kind;
+  std::filesystem::path output;
+  std::filesystem::path csv;
+  std::filesystem::path plugin;
+  std::optional<int> program;
+  std::array<std::string, kControls.size()> controls;  // lists as given, kControls order
+  double rate = 48000.0;
+  std::string note = "A1";
+  double level = -12.0;
+  std::string size = "1200x700";
+  bool overwrite = false;
+};
+CLI::App* addPlot(CLI::App& app, PlotCommand& command);
+int runPlot(const PlotCommand& command);
 
 }  // namespace tarnwell::cli

@@ -1,5 +1,6 @@
 // tarnwell: renders audio files through the NEW Tarnwell bass amp plug-in, describes the plug-in,
-// and plays a demo. Exit codes: 0 success, 1 usage error, 2 processing or file error.
+// plays a demo and draws what the knobs and the drive do. Exit codes: 0 success, 1 usage error,
+// 2 processing or file error.
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
@@ -41,9 +42,11 @@ int main(int argc, char** argv) {
   RenderCommand render;
   InfoCommand info;
   DemoCommand demo;
+  PlotCommand plot;
   CLI::App* renderApp = addRender(app, render);
   CLI::App* infoApp = addInfo(app, info);
   CLI::App* demoApp = addDemo(app, demo);
+  CLI::App* plotApp = addPlot(app, plot);
 
   try {
     app.parse(argc, argv);
@@ -55,6 +58,7 @@ int main(int argc, char** argv) {
     if (renderApp->parsed()) return runRender(render);
     if (infoApp->parsed()) return runInfo(info);
     if (demoApp->parsed()) return runDemo(demo);
+    if (plotApp->parsed()) return runPlot(plot);
     return kExitUsage;
   } catch (const UsageError& error) {
     return fail(kExitUsage, error.what());

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
@@ -85,14 +86,7 @@ std::string systemError(int error) {
 
 PendingOutput::PendingOutput(std::filesystem::path target, bool overwrite)
     : target_(std::move(target)), overwrite_(overwrite) {
-  std::error_code error;
-  const auto status = std::filesystem::status(target_, error);
-  if (std::filesystem::is_directory(status)) {
-    throw UsageError(target_.string() + " is a directory");
-  }
-  if (std::filesystem::exists(status) && !overwrite_) {
-    throw UsageError(target_.string() + " exists; add --overwrite to replace it");
-  }
+  checkTarget(target_, overwrite_);
   const std::filesystem::path directory =
       target_.has_parent_path() ? target_.parent_path() : std::filesystem::path(".");
   // Hidden, and named after the target so a leftover says where it came from.
@@ -109,6 +103,31 @@ PendingOutput::PendingOutput(std::filesystem::path target, bool overwrite)
   temporary_ = pattern;
   arm(temporary_);
   fchmod(fd_, creationMode());
+}
+
+void PendingOutput::checkTarget(const std::filesystem::path& target, bool overwrite) {
+  std::error_code error;
+  const auto status = std::filesystem::status(target, error);
+  if (std::filesystem::is_directory(status)) {
+    throw UsageError(target.string() + " is a directory");
+  }
+  if (std::filesystem::exists(status) && !overwrite) {
+    throw UsageError(target.string() + " exists; add --overwrite to replace it");
+  }
+}
+
+void PendingOutput::write(const std::string& bytes) {
+  std::size_t done = 0;
+  while (done < bytes.size()) {
+    const ssize_t n = ::write(fd_, bytes.data() + done, bytes.size() - done);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) {
+      const int error = errno;
+      discard();
+      throw RunError("cannot write " + target_.string() + ": " + systemError(error));
+    }
+    done += static_cast<std::size_t>(n);
+  }
 }
 
 PendingOutput::~PendingOutput() {

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 
 namespace tarnwell::cli {
 
@@ -17,6 +18,13 @@ class PendingOutput {
   // the temporary file cannot be created.
   PendingOutput(std::filesystem::path target, bool overwrite);
   ~PendingOutput();
+
+  // The constructor's up-front refusal alone, for a command that checks all its outputs before it
+  // starts on the first. Throws UsageError.
+  static void checkTarget(const std::filesystem::path& target, bool overwrite);
+
+  // Writes all of `bytes` to the temporary file. Throws RunError.
+  void write(const std::string& bytes);
   PendingOutput(const PendingOutput&) = delete;
   PendingOutput& operator=(const PendingOutput&) = delete;
 

@@ -1,10 +1,10 @@
 // The tone-stack band designs and output trims at the documented settings. When a block redesigns
 // (on a change only, DEEP on for any value but 0) the literal-chain test pins.
-#include "amp/tone_stack.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
+
+#include "amp/tone_stack_design.h"
 
 constexpr double kTrim = 0.562341325;
 
