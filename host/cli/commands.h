@@ -42,7 +42,7 @@ struct PlotCommand {
   std::filesystem::path csv;
   std::filesystem::path plugin;
   std::optional<int> program;
-  std::array<std::string, kControls.size()> controls;  // lists as given, kControls order
+  std::array<std::optional<std::string>, kControls.size()> controls;  // as given, kControls order
   double rate = 48000.0;
   std::string note = "A1";
   double level = -12.0;

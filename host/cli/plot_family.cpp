@@ -12,6 +12,7 @@ namespace tarnwell::cli {
 namespace {
 
 std::vector<std::string> splitList(const std::string& text, std::string_view option) {
+  if (text.empty()) throw UsageError(fmt::format("--{}: empty list", option));
   std::vector<std::string> items;
   std::size_t start = 0;
   for (;;) {
@@ -78,9 +79,9 @@ std::string shown(const host::PluginInstance& instance, std::size_t control) {
 ControlLists parseControlLists(const ControlTexts& texts) {
   ControlLists lists;
   for (std::size_t c = 0; c < kControls.size(); ++c) {
-    if (texts[c].empty()) continue;
+    if (!texts[c]) continue;
     const std::string_view option = kControls[c].symbol;
-    for (const std::string& item : splitList(texts[c], option)) {
+    for (const std::string& item : splitList(*texts[c], option)) {
       lists[c].push_back(kControls[c].kind == ControlKind::kSwitch ? switchValue(item, option)
                                                                    : dialValue(item, option));
     }

@@ -21,8 +21,8 @@ namespace tarnwell::cli {
 
 inline constexpr int kMaxCurves = 8;
 
-// The option texts in kControls order; empty when not given.
-using ControlTexts = std::array<std::string, kControls.size()>;
+// The option texts in kControls order; none when not given.
+using ControlTexts = std::array<std::optional<std::string>, kControls.size()>;
 // The values in kControls order: dial positions for knobs, 1 (on) or 0 (off) for the switch;
 // empty when not given.
 using ControlLists = std::array<std::vector<double>, kControls.size()>;
