@@ -5,8 +5,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <iterator>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 #include "plot/axis_ticks.h"
 
@@ -161,6 +164,37 @@ void drawSeries(cairo_t* cr, const Frame& f, const Chart& chart, double unit) {
   cairo_restore(cr);
 }
 
+// Of the four corners of the plot area, the one whose box of w x h covers the fewest points of the
+// curves; top right when several tie.
+std::pair<double, double> legendCorner(const Frame& f, const Chart& chart, double w, double h,
+                                       double inset) {
+  const double right = f.left + f.width - w - inset;
+  const double bottom = f.top + f.height - h - inset;
+  const std::pair<double, double> corners[] = {{right, f.top + inset},
+                                               {f.left + inset, f.top + inset},
+                                               {right, bottom},
+                                               {f.left + inset, bottom}};
+  std::size_t best = 0;
+  std::size_t fewest = SIZE_MAX;
+  for (std::size_t c = 0; c < std::size(corners); ++c) {
+    const auto [x0, y0] = corners[c];
+    std::size_t covered = 0;
+    for (const Series& s : chart.series) {
+      for (std::size_t i = 0; i < s.x.size(); ++i) {
+        if (!std::isfinite(s.y[i]) || (f.x.log && s.x[i] <= 0.0)) continue;
+        const double x = f.px(s.x[i]);
+        const double y = f.py(s.y[i]);
+        covered += x >= x0 && x <= x0 + w && y >= y0 && y <= y0 + h;
+      }
+    }
+    if (covered < fewest) {
+      fewest = covered;
+      best = c;
+    }
+  }
+  return corners[best];
+}
+
 void drawLegend(cairo_t* cr, const Frame& f, const Chart& chart, double unit) {
   std::vector<std::size_t> listed;
   double widest = 0.0;
@@ -175,8 +209,7 @@ void drawLegend(cairo_t* cr, const Frame& f, const Chart& chart, double unit) {
   const double pad = unit * 0.6;
   const double w = pad * 3 + swatch + widest;
   const double h = pad * 2 + line * listed.size();
-  const double x0 = f.left + f.width - w - unit * 0.8;
-  const double y0 = f.top + unit * 0.8;
+  const auto [x0, y0] = legendCorner(f, chart, w, h, unit * 0.8);
   cairo_set_source_rgba(cr, 1.0, 1.0, 1.0, 0.9);
   cairo_rectangle(cr, x0, y0, w, h);
   cairo_fill_preserve(cr);
@@ -205,8 +238,13 @@ void draw(cairo_t* cr, const Chart& chart, int width, int height) {
   setColour(cr, kInk);
   text(cr, chart.title, width / 2.0, unit * 0.9, 0.5, 0.0);
   cairo_select_font_face(cr, "sans-serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
+  // A long line of settings gets smaller type rather than cut off.
   cairo_set_font_size(cr, unit);
+  const double room = width - 2.0 * unit;
+  const double wide = textWidth(cr, chart.subtitle);
+  if (wide > room) cairo_set_font_size(cr, unit * room / wide);
   text(cr, chart.subtitle, width / 2.0, unit * 3.0, 0.5, 0.0);
+  cairo_set_font_size(cr, unit);
 
   const double left = unit * 6.0;
   const double top = unit * 5.2;
