@@ -14,7 +14,8 @@ std::string quoted(const std::string& name) {
     if (c == '"') out += '"';
     out += c;
   }
-  return out + '"';
+  out += '"';
+  return out;
 }
 
 }  // namespace
@@ -23,7 +24,8 @@ std::string csvTable(const std::vector<Column>& columns) {
   std::string out;
   std::size_t rows = 0;
   for (std::size_t c = 0; c < columns.size(); ++c) {
-    out += (c == 0 ? "" : ",") + quoted(columns[c].name);
+    if (c != 0) out += ',';
+    out += quoted(columns[c].name);
     rows = std::max(rows, columns[c].values.size());
   }
   out += '\n';

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "host/settle.h"
 #include "plot/shaper_curves.h"
 #include "plot/small_signal.h"
 #include "plot/spectrum.h"
@@ -50,17 +51,10 @@ plot::Axis levelAxis(const std::vector<plot::Series>& series, std::string label,
           std::ceil(high / step) * step + step, false};
 }
 
-// Runs the instance on silence until its start-up ramps are over.
-void settle(host::PluginInstance& instance) {
-  std::vector<double> silence(kBlockFrames);
-  std::vector<double> out(kBlockFrames);
-  for (int i = 0; i < 4; ++i) instance.process(silence.data(), out.data(), kBlockFrames);
-}
-
 // The instance prepared at the rate and settled, as every measurement starts.
 host::PluginInstance& ready(host::PluginInstance& instance, double rate) {
   instance.prepare(rate, kBlockFrames);
-  settle(instance);
+  host::settle(instance);
   return instance;
 }
 
