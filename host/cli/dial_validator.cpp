@@ -2,8 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <charconv>
 #include <cmath>
-#include <cstdlib>
 
 #include "host/cli/sample_format.h"
 #include "host/cli/tone_settings.h"
@@ -13,9 +13,12 @@ namespace tarnwell::cli {
 CLI::Validator dialPosition() {
   return CLI::Validator(
       [](std::string& text) -> std::string {
-        char* end = nullptr;
-        const double value = std::strtod(text.c_str(), &end);
-        if (text.empty() || *end != '\0' || !std::isfinite(value) || value < Dial::kMin ||
+        // Plain decimals only: no hexadecimal, exponent, sign or spaces.
+        double value = 0.0;
+        const char* end = text.data() + text.size();
+        const auto [stop, error] =
+            std::from_chars(text.data(), end, value, std::chars_format::fixed);
+        if (error != std::errc{} || stop != end || !std::isfinite(value) || value < Dial::kMin ||
             value > Dial::kMax) {
           return fmt::format("'{}' is not a dial position from {} to {}", text, Dial::kMin,
                              Dial::kMax);

@@ -23,7 +23,7 @@ CLI::App* addInfo(CLI::App& app, InfoCommand& command) {
 int runInfo(const InfoCommand& command) {
   const auto library =
       host::PluginLibrary::open(command.plugin.empty() ? defaultPluginPath() : command.plugin);
-  const host::PluginInstance instance(library);
+  host::PluginInstance instance(library);
   const PluginReport report = describePlugin(instance);
   fmt::print("{}", command.json ? formatJson(report) : formatText(report));
   return kExitSuccess;

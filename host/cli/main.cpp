@@ -4,7 +4,11 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
+#include <cstring>
+#include <string>
 
 #include "host/cli/build_facts.h"
 #include "host/cli/commands.h"
@@ -21,9 +25,37 @@ int fail(int code, const char* message) {
   return code;
 }
 
+// What was printed must have reached standard output: a full disk or a closed pipe is a failure.
+int finish(int code) {
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    const std::string reason = std::strerror(errno);
+    return fail(kExitFailure, ("cannot write standard output: " + reason).c_str());
+  }
+  return code;
+}
+
+int run(CLI::App* renderApp, CLI::App* infoApp, CLI::App* demoApp, CLI::App* plotApp,
+        RenderCommand& render, const InfoCommand& info, const DemoCommand& demo,
+        const PlotCommand& plot) {
+  try {
+    if (renderApp->parsed()) return runRender(render);
+    if (infoApp->parsed()) return runInfo(info);
+    if (demoApp->parsed()) return runDemo(demo);
+    if (plotApp->parsed()) return runPlot(plot);
+    return kExitUsage;
+  } catch (const UsageError& error) {
+    return fail(kExitUsage, error.what());
+  } catch (const std::exception& error) {
+    return fail(kExitFailure, error.what());
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  // Beyond a file-size limit a write then fails with an error the command reports and cleans up
+  // after, instead of the signal ending it with a partial file.
+  std::signal(SIGXFSZ, SIG_IGN);
   CLI::App app{
       "Renders audio through the NEW Tarnwell bass amp plug-in (mono; each channel of a file runs\n"
       "through its own amp). Exit codes: 0 success, 1 usage error, 2 processing or file error.",
@@ -51,18 +83,8 @@ int main(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kExitSuccess : kExitUsage;
+    return finish(app.exit(error) == 0 ? kExitSuccess : kExitUsage);
   }
 
-  try {
-    if (renderApp->parsed()) return runRender(render);
-    if (infoApp->parsed()) return runInfo(info);
-    if (demoApp->parsed()) return runDemo(demo);
-    if (plotApp->parsed()) return runPlot(plot);
-    return kExitUsage;
-  } catch (const UsageError& error) {
-    return fail(kExitUsage, error.what());
-  } catch (const std::exception& error) {
-    return fail(kExitFailure, error.what());
-  }
+  return finish(run(renderApp, infoApp, demoApp, plotApp, render, info, demo, plot));
 }

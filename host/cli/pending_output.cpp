@@ -12,6 +12,7 @@
 #include <string>
 
 #include "host/cli/errors.h"
+#include "host/cli/output_target.h"
 
 namespace tarnwell::cli {
 namespace {
@@ -35,7 +36,12 @@ void installCleanupHandlers() {
     action.sa_handler = removePendingAndDie;
     action.sa_flags = SA_RESETHAND;
     sigemptyset(&action.sa_mask);
-    for (int s : kCleanupSignals) sigaction(s, &action, nullptr);
+    for (int s : kCleanupSignals) {
+      // A signal ignored when the command started (nohup, a shell's background job) stays so.
+      struct sigaction previous {};
+      sigaction(s, nullptr, &previous);
+      if (previous.sa_handler != SIG_IGN) sigaction(s, &action, nullptr);
+    }
     return true;
   }();
   (void)installed;
@@ -78,42 +84,54 @@ mode_t creationMode() {
   return 0666 & ~mask;
 }
 
+// The replaced file's permission bits, and its owner and group as far as this user may set them.
+void keepOwnerAndMode(int fd, const struct stat& replaced) {
+  if (fchown(fd, replaced.st_uid, replaced.st_gid) != 0 &&
+      fchown(fd, static_cast<uid_t>(-1), replaced.st_gid) != 0) {
+    // Neither: the new file keeps this user's owner and group.
+  }
+  fchmod(fd, replaced.st_mode & 07777);  // after fchown, which may clear set-id bits
+}
+
 std::string systemError(int error) {
   return std::strerror(error);
 }
 
+// Moves `from` to `to` unless `to` exists, atomically; errno tells why not. A file system without
+// the no-replace rename gets the same promise from a hard link.
+bool renameWithoutReplacing(const std::filesystem::path& from, const std::filesystem::path& to) {
+  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+  if (errno != EINVAL && errno != ENOSYS) return false;
+  if (link(from.c_str(), to.c_str()) != 0) return false;
+  unlink(from.c_str());
+  return true;
+}
+
 }  // namespace
 
-PendingOutput::PendingOutput(std::filesystem::path target, bool overwrite)
-    : target_(std::move(target)), overwrite_(overwrite) {
-  checkTarget(target_, overwrite_);
-  const std::filesystem::path directory =
-      target_.has_parent_path() ? target_.parent_path() : std::filesystem::path(".");
-  // Hidden, and named after the target so a leftover says where it came from.
-  std::string hidden = ".";
-  hidden.append(target_.filename().native()).append(".tarnwell-XXXXXX");
-  std::string pattern = (directory / hidden).native();
+PendingOutput::PendingOutput(const std::filesystem::path& target, bool overwrite)
+    : overwrite_(overwrite) {
+  const OutputTarget checked = checkOutputTarget(target, overwrite);
+  target_ = checked.path;
+  std::string pattern = temporaryPattern(target_);
 
   installCleanupHandlers();
   const CleanupSignalsHeld held;
   fd_ = mkstemp(pattern.data());
   if (fd_ < 0) {
-    throw RunError("cannot write " + target_.string() + ": " + systemError(errno));
+    throw RunError("cannot write " + target.string() + ": " + systemError(errno));
   }
   temporary_ = pattern;
   arm(temporary_);
-  fchmod(fd_, creationMode());
+  if (checked.replaced) {
+    keepOwnerAndMode(fd_, *checked.replaced);
+  } else {
+    fchmod(fd_, creationMode());
+  }
 }
 
 void PendingOutput::checkTarget(const std::filesystem::path& target, bool overwrite) {
-  std::error_code error;
-  const auto status = std::filesystem::status(target, error);
-  if (std::filesystem::is_directory(status)) {
-    throw UsageError(target.string() + " is a directory");
-  }
-  if (std::filesystem::exists(status) && !overwrite) {
-    throw UsageError(target.string() + " exists; add --overwrite to replace it");
-  }
+  checkOutputTarget(target, overwrite);
 }
 
 void PendingOutput::write(const std::string& bytes) {
@@ -157,8 +175,7 @@ void PendingOutput::commit() {
 
   if (overwrite_) {
     if (rename(temporary_.c_str(), target_.c_str()) != 0) throw fail(errno);
-  } else if (renameat2(AT_FDCWD, temporary_.c_str(), AT_FDCWD, target_.c_str(), RENAME_NOREPLACE) !=
-             0) {
+  } else if (!renameWithoutReplacing(temporary_, target_)) {
     if (errno == EEXIST) {
       discard();
       throw RunError(target_.string() + " appeared while rendering; left it as it is");

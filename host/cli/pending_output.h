@@ -4,7 +4,10 @@
 // removed when the object goes out of scope, on an exception or when SIGINT, SIGTERM or SIGHUP ends
 // the program (best effort, one pending output at a time).
 //
-// Without `overwrite` an existing target is refused, up front and again at the rename.
+// The target is checked up front (OutputTarget): a link is written through, only a regular file is
+// replaced, and only with `overwrite`; a replaced file keeps its permission bits, and its owner and
+// group where the user may set them. Without `overwrite` an existing target is refused again at
+// the rename. A signal that was ignored when the command started stays ignored.
 #pragma once
 
 #include <filesystem>
@@ -14,13 +17,12 @@ namespace tarnwell::cli {
 
 class PendingOutput {
  public:
-  // Throws UsageError when the target exists (without overwrite) or is a directory, RunError when
-  // the temporary file cannot be created.
-  PendingOutput(std::filesystem::path target, bool overwrite);
+  // Throws what checkOutputTarget throws, and RunError when the temporary file cannot be created.
+  PendingOutput(const std::filesystem::path& target, bool overwrite);
   ~PendingOutput();
 
   // The constructor's up-front refusal alone, for a command that checks all its outputs before it
-  // starts on the first. Throws UsageError.
+  // starts on the first. Throws what checkOutputTarget throws.
   static void checkTarget(const std::filesystem::path& target, bool overwrite);
 
   // Writes all of `bytes` to the temporary file. Throws RunError.
@@ -29,7 +31,7 @@ class PendingOutput {
   PendingOutput& operator=(const PendingOutput&) = delete;
 
   int fd() const noexcept { return fd_; }
-  const std::filesystem::path& target() const noexcept { return target_; }
+  const std::filesystem::path& target() const noexcept { return target_; }  // links followed
 
   // Throws RunError; the temporary file is gone either way.
   void commit();

@@ -4,6 +4,7 @@
 
 #include <bit>
 #include <cstring>
+#include <nlohmann/json.hpp>
 
 #include "host/cli/tone_settings.h"
 
@@ -41,45 +42,17 @@ std::string fourChars(VstInt32 id) {
   return out;
 }
 
-std::string jsonString(std::string_view text) {
-  std::string out = "\"";
-  for (char c : text) {
-    switch (c) {
-      case '"':
-        out += "\\\"";
-        break;
-      case '\\':
-        out += "\\\\";
-        break;
-      case '\n':
-        out += "\\n";
-        break;
-      case '\t':
-        out += "\\t";
-        break;
-      default:
-        if (static_cast<unsigned char>(c) < 0x20) {
-          out += fmt::format("\\u{:04x}", static_cast<unsigned char>(c));
-        } else {
-          out += c;
-        }
-    }
+nlohmann::ordered_json jsonJacks(const std::vector<host::JackDescription>& jacks) {
+  auto out = nlohmann::ordered_json::array();
+  for (const host::JackDescription& jack : jacks) {
+    out.push_back({{"signals", jack.signals}, {"firstSignal", jack.firstSignal}});
   }
-  return out + "\"";
-}
-
-std::string jsonJacks(const std::vector<host::JackDescription>& jacks) {
-  std::string out = "[";
-  for (std::size_t j = 0; j < jacks.size(); ++j) {
-    out += fmt::format("{}{{\"signals\": {}, \"firstSignal\": {}}}", j ? ", " : "",
-                       jacks[j].signals, jacks[j].firstSignal);
-  }
-  return out + "]";
+  return out;
 }
 
 }  // namespace
 
-PluginReport describePlugin(const host::PluginInstance& instance) {
+PluginReport describePlugin(host::PluginInstance& instance) {
   const AEffect& record = instance.record();
   PluginReport r;
   r.path = instance.library().path().string();
@@ -106,9 +79,14 @@ PluginReport describePlugin(const host::PluginInstance& instance) {
                             trimmed(instance.parameterDisplay(i)),
                             trimmed(instance.parameterLabel(i))});
   }
+  // A host names a program as the plug-in does once it is selected ("Init 5" for an unnamed
+  // fifth), not by the indexed request, which leaves unnamed programs unnumbered.
+  const int current = instance.program();
   for (int p = 0; p < instance.numPrograms(); ++p) {
-    r.programs.push_back(instance.programNameIndexed(p).value_or(""));
+    instance.setProgram(p);
+    r.programs.push_back(trimmed(instance.programName()));
   }
+  instance.setProgram(current);
   r.module = host::describeModule(instance);
   return r;
 }
@@ -158,42 +136,40 @@ std::string formatText(const PluginReport& r) {
 }
 
 std::string formatJson(const PluginReport& r) {
-  std::string flagNames;
-  for (const std::string& f : r.flagNames)
-    flagNames += (flagNames.empty() ? "" : ", ") + jsonString(f);
-  std::string out = "{\n";
-  out += fmt::format("  \"library\": {},\n  \"entryPoint\": {},\n", jsonString(r.path),
-                     jsonString(r.entryPoint));
-  out += fmt::format("  \"name\": {},\n  \"product\": {},\n  \"vendor\": {},\n", jsonString(r.name),
-                     jsonString(r.product), jsonString(r.vendor));
-  out += fmt::format("  \"vendorVersion\": {},\n  \"vstVersion\": {},\n", r.vendorVersion,
-                     r.vstVersion);
-  out += fmt::format("  \"uniqueId\": {{\"chars\": {}, \"hex\": \"0x{:08X}\", \"value\": {}}},\n",
-                     jsonString(r.uniqueIdChars), r.uniqueId, r.uniqueId);
-  out += fmt::format("  \"category\": {{\"value\": {}, \"name\": {}}},\n", r.category,
-                     jsonString(r.categoryName));
-  out += fmt::format("  \"inputs\": {},\n  \"outputs\": {},\n", r.inputs, r.outputs);
-  out += fmt::format("  \"flags\": {{\"value\": {}, \"names\": [{}]}},\n", r.flags, flagNames);
-  out += "  \"parameters\": [\n";
-  for (std::size_t i = 0; i < r.parameters.size(); ++i) {
-    const ParameterReport& p = r.parameters[i];
-    out += fmt::format("    {{\"index\": {}, \"name\": {}, \"display\": {}, \"label\": {}}}{}\n",
-                       p.index, jsonString(p.name), jsonString(p.display), jsonString(p.label),
-                       i + 1 < r.parameters.size() ? "," : "");
+  using Json = nlohmann::ordered_json;
+  Json out;
+  out["library"] = r.path;
+  out["entryPoint"] = r.entryPoint;
+  out["name"] = r.name;
+  out["product"] = r.product;
+  out["vendor"] = r.vendor;
+  out["vendorVersion"] = r.vendorVersion;
+  out["vstVersion"] = r.vstVersion;
+  out["uniqueId"] = {{"chars", r.uniqueIdChars},
+                     {"hex", fmt::format("0x{:08X}", r.uniqueId)},
+                     {"value", r.uniqueId}};
+  out["category"] = {{"value", r.category}, {"name", r.categoryName}};
+  out["inputs"] = r.inputs;
+  out["outputs"] = r.outputs;
+  out["flags"] = {{"value", r.flags}, {"names", r.flagNames}};
+  out["parameters"] = Json::array();
+  for (const ParameterReport& p : r.parameters) {
+    out["parameters"].push_back(
+        {{"index", p.index}, {"name", p.name}, {"display", p.display}, {"label", p.label}});
   }
-  out += "  ],\n  \"programs\": [\n";
+  out["programs"] = Json::array();
   for (std::size_t p = 0; p < r.programs.size(); ++p) {
-    out += fmt::format("    {{\"number\": {}, \"name\": {}}}{}\n", p + 1, jsonString(r.programs[p]),
-                       p + 1 < r.programs.size() ? "," : "");
+    out["programs"].push_back({{"number", p + 1}, {"name", r.programs[p]}});
   }
-  out += "  ],\n";
-  if (!r.module) return out + "  \"module\": null\n}\n";
-  out += fmt::format(
-      "  \"module\": {{\"inputJacks\": {}, \"outputJacks\": {}, \"dryInputSignal\": {}, "
-      "\"headerVersion\": {}}}\n}}\n",
-      jsonJacks(r.module->inputs), jsonJacks(r.module->outputs), r.module->dryInputSignal,
-      r.module->headerVersion);
-  return out;
+  out["module"] = nullptr;
+  if (r.module) {
+    out["module"] = {{"inputJacks", jsonJacks(r.module->inputs)},
+                     {"outputJacks", jsonJacks(r.module->outputs)},
+                     {"dryInputSignal", r.module->dryInputSignal},
+                     {"headerVersion", r.module->headerVersion}};
+  }
+  // Texts from a plug-in are not always UTF-8: a stray byte shows as U+FFFD rather than failing.
+  return out.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
 }  // namespace tarnwell::cli

@@ -1,5 +1,7 @@
 // Everything `tarnwell info` tells about a plug-in, read once from a fresh instance: identity,
-// parameters with their display texts, program names and the module description.
+// parameters with their display texts at start-up, program names as a host shows them, and the
+// module description. Reading the program names selects each program in turn, then the one that
+// was current again.
 #pragma once
 
 #include <optional>
@@ -39,7 +41,7 @@ struct PluginReport {
   std::optional<host::ModuleDescription> module;
 };
 
-PluginReport describePlugin(const host::PluginInstance& instance);
+PluginReport describePlugin(host::PluginInstance& instance);
 
 std::string formatText(const PluginReport& report);
 std::string formatJson(const PluginReport& report);

@@ -1,8 +1,8 @@
 #include "host/cli/render.h"
 
 #include <fmt/format.h>
-#include <sys/stat.h>
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -74,10 +74,8 @@ void stream(SoundFile& in, SoundFile& out, Rack& rack, int blockFrames, Progress
 }  // namespace
 
 void checkDistinct(const std::filesystem::path& input, const std::filesystem::path& output) {
-  struct stat in {};
-  struct stat out {};
-  if (stat(input.c_str(), &in) != 0 || stat(output.c_str(), &out) != 0) return;
-  if (in.st_dev == out.st_dev && in.st_ino == out.st_ino) {
+  std::error_code error;  // either missing: nothing to compare
+  if (std::filesystem::equivalent(input, output, error)) {
     throw UsageError(
         fmt::format("{} is the input file itself; choose another output", output.string()));
   }
@@ -110,6 +108,8 @@ RenderReport render(const RenderRequest& request) {
   report.sampleRate = info.samplerate;
   report.format = info.format;
   report.frames = report.levels.count() / info.channels;
+  report.missingFrames = std::max<std::int64_t>(0, in.promisedFrames() - report.frames);
+  report.readError = in.readError();
   const auto encoding = formatBySubtype(info.format & SF_FORMAT_SUBMASK);
   report.clipped = encoding && encoding->clipsAtFullScale && report.levels.overFullScale() > 0;
   return report;

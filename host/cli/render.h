@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <string>
 
 #include "host/cli/level_meter.h"
 #include "host/cli/sample_format.h"
@@ -35,8 +36,10 @@ struct RenderReport {
   std::int64_t frames = 0;
   int channels = 0;
   int sampleRate = 0;
-  int format = 0;        // the output's container and encoding
-  bool clipped = false;  // integer encoding and samples beyond full scale
+  int format = 0;                  // the output's container and encoding
+  bool clipped = false;            // integer encoding and samples beyond full scale
+  std::int64_t missingFrames = 0;  // promised by the input's header but not there
+  std::string readError;           // why reading the input stopped early, or empty
 };
 
 RenderReport render(const RenderRequest& request);

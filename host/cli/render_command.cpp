@@ -78,6 +78,15 @@ int runRender(RenderCommand& command) {
                static_cast<double>(report.frames) / report.sampleRate, report.levels.peakDb(),
                report.levels.rmsDb());
   }
+  if (report.missingFrames > 0 || !report.readError.empty()) {
+    const std::string why = report.readError.empty() ? "" : " (" + report.readError + ")";
+    const std::string missing =
+        report.missingFrames > 0
+            ? fmt::format("ends {} frames before its header says", report.missingFrames)
+            : "could not be read to the end";
+    fmt::print(stderr, "tarnwell: warning: {} {}{}; rendered the {} frames there\n",
+               request.input.string(), missing, why, report.frames);
+  }
   if (report.clipped) {
     fmt::print(stderr,
                "tarnwell: warning: {} samples clipped in {} (peak {:+.1f} dBFS); turn MASTER or "

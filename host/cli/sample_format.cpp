@@ -10,11 +10,11 @@ namespace tarnwell::cli {
 namespace {
 
 constexpr SampleFormat kFormats[] = {
-    {"PCM_16", SF_FORMAT_PCM_16, true},  {"PCM_24", SF_FORMAT_PCM_24, true},
-    {"PCM_32", SF_FORMAT_PCM_32, true},  {"PCM_U8", SF_FORMAT_PCM_U8, true},
-    {"PCM_S8", SF_FORMAT_PCM_S8, true},  {"FLOAT", SF_FORMAT_FLOAT, false},
-    {"DOUBLE", SF_FORMAT_DOUBLE, false}, {"ULAW", SF_FORMAT_ULAW, true},
-    {"ALAW", SF_FORMAT_ALAW, true},
+    {"PCM_16", SF_FORMAT_PCM_16, true, 2},  {"PCM_24", SF_FORMAT_PCM_24, true, 3},
+    {"PCM_32", SF_FORMAT_PCM_32, true, 4},  {"PCM_U8", SF_FORMAT_PCM_U8, true, 1},
+    {"PCM_S8", SF_FORMAT_PCM_S8, true, 1},  {"FLOAT", SF_FORMAT_FLOAT, false, 4},
+    {"DOUBLE", SF_FORMAT_DOUBLE, false, 8}, {"ULAW", SF_FORMAT_ULAW, true, 1},
+    {"ALAW", SF_FORMAT_ALAW, true, 1},
 };
 
 bool equalIgnoringCase(std::string_view a, std::string_view b) {
@@ -24,13 +24,14 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) {
   });
 }
 
-std::string majorName(int format) {
+// The audio library's own name of a container or an encoding.
+std::string libraryName(int code, const char* unknown) {
   SF_FORMAT_INFO info{};
-  info.format = format & SF_FORMAT_TYPEMASK;
+  info.format = code;
   if (sf_command(nullptr, SFC_GET_FORMAT_INFO, &info, sizeof info) == 0 && info.name != nullptr) {
     return info.name;
   }
-  return fmt::format("container 0x{:x}", info.format);
+  return unknown;
 }
 
 }  // namespace
@@ -61,8 +62,8 @@ std::optional<SampleFormat> formatBySubtype(int subtype) {
 std::string describeFormat(int format) {
   const int subtype = format & SF_FORMAT_SUBMASK;
   const auto named = formatBySubtype(subtype);
-  return majorName(format) + " " +
-         (named ? std::string(named->name) : fmt::format("encoding 0x{:x}", subtype));
+  return libraryName(format & SF_FORMAT_TYPEMASK, "unknown container") + " " +
+         (named ? std::string(named->name) : libraryName(subtype, "unknown encoding"));
 }
 
 bool canWrite(int format, int channels, int sampleRate) {

@@ -1,7 +1,11 @@
 // An audio file open for reading or writing, as frames of interleaved double samples at full scale
 // +-1. Integer encodings are clipped on writing, never wrapped.
 //
-// Errors throw RunError naming the file; the file is closed on every path.
+// A file read is taken as far as its data goes: when the data ends before the header says (a
+// truncated or damaged file) or cannot be decoded further, reading stops there and the file tells
+// how many frames its header promised and why reading stopped.
+//
+// Opening and writing throw RunError naming the file; the file is closed on every path.
 #pragma once
 
 #include <sndfile.h>
@@ -22,8 +26,12 @@ class SoundFile {
   ~SoundFile();
 
   const SF_INFO& info() const noexcept { return info_; }
-  // Reads up to `frames` frames; fewer only at the end of the file.
+  // Reads up to `frames` frames; fewer only at the end of the data or at a decoding error.
   sf_count_t read(double* interleaved, sf_count_t frames);
+  // The frames the header of a file read promises; -1 when it does not say (a stream).
+  sf_count_t promisedFrames() const noexcept { return promisedFrames_; }
+  // Why reading stopped early, or empty.
+  const std::string& readError() const noexcept { return readError_; }
   void write(const double* interleaved, sf_count_t frames);
   // Finishes the file (a writer's header is completed here); reports what failed.
   void close();
@@ -34,6 +42,8 @@ class SoundFile {
   SNDFILE* file_;
   SF_INFO info_;
   std::string name_;
+  sf_count_t promisedFrames_ = -1;
+  std::string readError_;
 };
 
 }  // namespace tarnwell::cli

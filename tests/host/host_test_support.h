@@ -27,6 +27,7 @@ using tarnwell::host::PluginInstance;
 using tarnwell::host::PluginLibrary;
 
 inline const std::string kAmp = TARNWELL_PLUGIN;
+inline const std::string kCommand = TARNWELL_COMMAND;
 
 inline std::string testPlugin(const std::string& kind) {
   return TEST_PLUGIN_DIR "/test_plugin_" + kind + ".so";
@@ -47,10 +48,19 @@ struct ScratchDir {
   ~ScratchDir() { fs::remove_all(path, ignored); }
   std::error_code ignored;
   std::string operator/(const std::string& name) const { return fs::path(path) / name; }
-  std::map<std::string, std::string> files() const {  // name -> bytes
+  // name -> bytes of a file, where a link points, or the kind of anything else (never opened)
+  std::map<std::string, std::string> files() const {
     std::map<std::string, std::string> files;
-    for (const auto& entry : fs::directory_iterator(path))
-      files[entry.path().filename()] = slurp(entry);
+    for (const auto& entry : fs::directory_iterator(path)) {
+      std::string& what = files[entry.path().filename()];
+      if (entry.is_symlink()) {
+        what = "-> " + fs::read_symlink(entry).string();
+      } else if (entry.is_regular_file()) {
+        what = slurp(entry);
+      } else {
+        what = "type " + std::to_string(static_cast<int>(entry.status().type()));
+      }
+    }
     return files;
   }
 };
@@ -81,10 +91,13 @@ inline Audio readAudio(const fs::path& path) {
   return audio;
 }
 
-// Starts the command (the built one unless another copy is named) with its output into the files.
+// Starts the command (the built one unless another copy is named) with its output into the files;
+// `inChild` runs in the new process just before the command replaces it (a working folder, a
+// limit, a signal disposition).
 inline pid_t startCommand(std::vector<std::string> args, const std::string& out = "/dev/null",
                           const std::string& err = "/dev/null",
-                          const std::string& command = TARNWELL_COMMAND) {
+                          const std::string& command = TARNWELL_COMMAND,
+                          const std::function<void()>& inChild = {}) {
   args.insert(args.begin(), command);
   std::vector<char*> argv;
   for (std::string& a : args) argv.push_back(a.data());
@@ -93,6 +106,7 @@ inline pid_t startCommand(std::vector<std::string> args, const std::string& out 
   if (pid != 0) return pid;
   dup2(open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDOUT_FILENO);
   dup2(open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDERR_FILENO);
+  if (inChild) inChild();
   execv(argv[0], argv.data());
   _exit(127);
 }
@@ -108,10 +122,24 @@ struct Result {
   std::string out, err;
 };
 inline Result runCommand(const std::vector<std::string>& args,
-                         const std::string& command = TARNWELL_COMMAND) {
+                         const std::string& command = TARNWELL_COMMAND,
+                         const std::function<void()>& inChild = {},
+                         const std::string& stdoutTo = "") {  // none: captured
   const ScratchDir logs;
-  const int code = waitCommand(startCommand(args, logs / "out", logs / "err", command));
-  return {code, slurp(logs / "out"), slurp(logs / "err")};
+  const std::string out = stdoutTo.empty() ? logs / "out" : stdoutTo;
+  const int code = waitCommand(startCommand(args, out, logs / "err", command, inChild));
+  return {code, stdoutTo.empty() ? slurp(out) : "", slurp(logs / "err")};
+}
+
+inline std::string succeeds(const std::vector<std::string>& args) {  // the command's stdout
+  const Result result = runCommand(args);
+  EXPECT_EQ(result.exitCode, 0) << result.err;
+  return result.out;
+}
+
+inline void expectHas(const std::string& text, std::initializer_list<std::string> parts) {
+  for (const std::string& part : parts)
+    EXPECT_NE(text.find(part), std::string::npos) << part << "\nnot in\n" << text;
 }
 
 struct Settings {

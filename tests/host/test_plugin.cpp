@@ -1,10 +1,12 @@
 // The stand-in plug-ins, one module per PLUGIN_KIND (the effect, or one way of failing) exporting
 // PLUGIN_ENTRY. The effect has the amp's parameter layout and two programs; y = 2 * VOLUME * s with
 // s <- (x + s) / 2 carries state across blocks, showing a host that mixes channels or instances.
+// A block longer than the host announced comes out as NaN.
 #include <unistd.h>
 
 #include <array>
 #include <cstdio>
+#include <limits>
 
 #include "hostif/orv_typeif.h"
 #include "stand_in_log.h"
@@ -31,6 +33,7 @@ struct Effect {
   audioMasterCallback host;
   std::array<float, kNumParams> values{0.0f, 0.0f, kProgramVolumes[0]};
   int program = 0;
+  VstIntPtr blockSize = 0;
   double state = 0.0;
 
   explicit Effect(audioMasterCallback callback) : host(callback) {
@@ -54,7 +57,8 @@ struct Effect {
     Effect& fx = *self(e);
     for (VstInt32 i = 0; i < n; ++i) {
       fx.state = 0.5 * (in[0][i] + fx.state);
-      out[0][i] = 2.0 * fx.values[2] * fx.state;
+      out[0][i] = n <= fx.blockSize ? 2.0 * fx.values[2] * fx.state
+                                    : std::numeric_limits<double>::quiet_NaN();
     }
   }
 
@@ -72,6 +76,7 @@ struct Effect {
       fx->program = static_cast<int>(value);
       fx->values[2] = kProgramVolumes[value];
     }
+    if (op == effSetBlockSize) fx->blockSize = value;
     if (op == effGetProgram) return fx->program;
     if (op == effGetProgramName) return say("%s", kProgramNames[fx->program]);
     if (op == effGetProgramNameIndexed)
