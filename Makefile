@@ -9,7 +9,7 @@ PREFIX ?= /usr/local
 all: build
 
 deps:
-	@scripts/install-deps
+	@scripts/install-deps $(if $(filter arm64,$(PRESET)),--arm64)
 
 configure: deps
 	@cmake --preset $(PRESET) >/dev/null
