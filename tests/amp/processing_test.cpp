@@ -81,6 +81,18 @@ TEST(Processing, NonFiniteInputOrParametersNeverReachTheOutputAndTheAmpRecovers)
   }
 }
 
+TEST(Processing, AMasterThatIsNotANumberSilencesTheAmp) {
+  // Not a muffled or clamped signal, nor a step into the output filters: nothing at all.
+  LoadedPlugin plugin;
+  plugin.setSampleRate(48000.0f);
+  plugin.setParameter(5, std::nanf(""));
+  std::vector<double> in = testSignal(256, 48000.0, 0.5), out(256);
+  for (int block = 0; block < 3; ++block) {
+    plugin.process(in.data(), out.data(), 256);
+    for (const double v : out) ASSERT_EQ(v, 0.0) << "block " << block;
+  }
+}
+
 TEST(Processing, SilenceBeforeTheFirstSetUpAndNothingInSinglePrecision) {
   LoadedPlugin plugin;
   std::vector<double> in(64, 0.5), out(64, 1.0);

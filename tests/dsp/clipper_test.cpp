@@ -42,10 +42,12 @@ TEST(Clipper, CurvesFollowTheirTanhShapesAndInterpolateBetweenEntries) {
       EXPECT_NEAR(c.table.table[i], expected, 1e-14) << c.what << " entry " << i;
       EXPECT_EQ(clipLookup(c.table, u), c.table.table[i]) << c.what << " entry " << i;
       if (i == kClipLast) continue;
-      const double a = c.table.table[i], b = c.table.table[i + 1];  // a quarter of the way to b
-      EXPECT_NEAR(clipLookup(c.table, u + 0.25 / 20000.0), a + (b - a) * 0.25,
-                  1e-11 * std::fabs(b - a) + 1e-16)
-          << c.what << " entry " << i;
+      const double a = c.table.table[i], b = c.table.table[i + 1];
+      for (const double t : {0.25, 0.5, 0.6, 0.9}) {  // that far of the way from a to b
+        EXPECT_NEAR(clipLookup(c.table, u + t / 20000.0), a + (b - a) * t,
+                    1e-11 * std::fabs(b - a) + 1e-16)
+            << c.what << " entry " << i << " + " << t;
+      }
     }
     EXPECT_NEAR(c.table.guard, c.table.table[kClipLast], 1e-15) << c.what;
   }

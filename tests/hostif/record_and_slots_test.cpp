@@ -55,6 +55,8 @@ TEST(Record, EachFlagSetterSetsAndClearsOnlyItsOwnBit) {
     for (VstInt32 others : {0, ~0}) {
       PlainEffect fx;
       fx.cEffect.flags = others & ~c.bit;
+      c.set(fx, false);  // clearing a clear bit keeps it clear
+      EXPECT_EQ(fx.cEffect.flags, others & ~c.bit);
       c.set(fx, true);
       EXPECT_EQ(fx.cEffect.flags, others | c.bit);
       c.set(fx, false);
