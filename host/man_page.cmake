@@ -58,7 +58,7 @@ file(CHMOD ${WORK}/stand-in/tarnwell PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EX
 get_filename_component(page ${OUTPUT} NAME_WLE)
 execute_process(
   COMMAND ${HELP2MAN} --no-info --section=1 "--source=NEW Tarnwell"
-          "--name=render audio through the NEW Tarnwell bass amp"
+          "--name=render audio through the NEW Tarnwell bass amp, describe and draw it"
           --include=${WORK}/sections.h2m --output=${WORK}/${page} ${WORK}/stand-in/tarnwell
   RESULT_VARIABLE result)
 if(NOT result EQUAL 0)
