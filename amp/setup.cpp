@@ -49,8 +49,8 @@ VstInt32 truncateRate(double rate) {
 
 }  // namespace
 
-void Tarnwell::setSampleRate(float sampleRate) {
-  const double r = sampleRate;
+void Tarnwell::setSampleRate(float newRate) {
+  const double r = newRate;
   // A rate that is not a finite positive number is ignored.
   if (!(r > 0.0) || !std::isfinite(r)) return;
   if (r == curSampleRate) return;

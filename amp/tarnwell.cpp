@@ -24,8 +24,8 @@ void copyBounded(char* dest, const char* text, std::size_t size) {
 
 }  // namespace
 
-Tarnwell::Tarnwell(audioMasterCallback audioMaster)
-    : Orv_TypeBase(audioMaster, kNumPrograms, kNumParams),
+Tarnwell::Tarnwell(audioMasterCallback host)
+    : Orv_TypeBase(host, kNumPrograms, kNumParams),
       programs(nullptr),
       numFirstFilters(kNumFirstFilters),
       numEqFilters(kNumEqFilters),

@@ -29,7 +29,7 @@
 
 class Tarnwell : public Orv_TypeBase {
  public:
-  explicit Tarnwell(audioMasterCallback audioMaster);
+  explicit Tarnwell(audioMasterCallback host);
   ~Tarnwell() override;
 
   // Identity.
@@ -48,7 +48,7 @@ class Tarnwell : public Orv_TypeBase {
   VstInt32 getDryInSigNum() override { return -1; }
 
   // Set-up (setup.cpp).
-  void setSampleRate(float sampleRate) override;
+  void setSampleRate(float newRate) override;
 
   // Processing (process.cpp). Switching on clears nothing.
   void resume() override {}

@@ -19,13 +19,13 @@ AudioEffect* instanceOf(AEffect* effect) noexcept {
 
 }  // namespace
 
-AudioEffect::AudioEffect(audioMasterCallback audioMaster, VstInt32 numPrograms, VstInt32 numParams)
-    : audioMaster(audioMaster),
+AudioEffect::AudioEffect(audioMasterCallback host, VstInt32 programCount, VstInt32 paramCount)
+    : audioMaster(host),
       editor(nullptr),
       sampleRate(kDefaultSampleRate),
       blockSize(kDefaultBlockSize),
-      numPrograms(numPrograms),
-      numParams(numParams),
+      numPrograms(programCount),
+      numParams(paramCount),
       curProgram(0) {
   std::memset(&cEffect, 0, sizeof cEffect);
   cEffect.magic = kEffectMagic;

@@ -25,7 +25,7 @@
 
 class AudioEffect {
  public:
-  AudioEffect(audioMasterCallback audioMaster, VstInt32 numPrograms, VstInt32 numParams);
+  AudioEffect(audioMasterCallback host, VstInt32 programCount, VstInt32 paramCount);
   AudioEffect(const AudioEffect&) = delete;
   AudioEffect& operator=(const AudioEffect&) = delete;
   virtual ~AudioEffect();

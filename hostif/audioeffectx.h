@@ -22,8 +22,8 @@
 
 class AudioEffectX : public AudioEffect {
  public:
-  AudioEffectX(audioMasterCallback audioMaster, VstInt32 numPrograms, VstInt32 numParams)
-      : AudioEffect(audioMaster, numPrograms, numParams) {}
+  AudioEffectX(audioMasterCallback host, VstInt32 programCount, VstInt32 paramCount)
+      : AudioEffect(host, programCount, paramCount) {}
 
   VstIntPtr dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr,
                        float opt) override;

@@ -16,8 +16,8 @@ class Orv_VstListner;
 
 class Orv_TypeBase : public AudioEffectX {
  public:
-  Orv_TypeBase(audioMasterCallback audioMaster, VstInt32 numPrograms, VstInt32 numParams)
-      : AudioEffectX(audioMaster, numPrograms, numParams), headerVersion(1) {}
+  Orv_TypeBase(audioMasterCallback host, VstInt32 programCount, VstInt32 paramCount)
+      : AudioEffectX(host, programCount, paramCount), headerVersion(1) {}
 
   virtual VstInt32 getNumOfInJacks() { return 1; }
   virtual VstInt32 getNumOfOutJacks() { return 1; }

@@ -7,8 +7,8 @@
 
 // Prepared at construction for the record's default block size, so a host that never announces
 // one still hears the amp.
-TarnwellVst2::TarnwellVst2(audioMasterCallback audioMaster)
-    : Tarnwell(audioMaster), scratch_(std::min(blockSize, kMaxPieceFrames)) {}
+TarnwellVst2::TarnwellVst2(audioMasterCallback host)
+    : Tarnwell(host), scratch_(std::min(blockSize, kMaxPieceFrames)) {}
 
 void TarnwellVst2::setBlockSize(VstInt32 newBlockSize) {
   Tarnwell::setBlockSize(newBlockSize);

@@ -21,7 +21,7 @@
 
 class TarnwellVst2 : public Tarnwell {
  public:
-  explicit TarnwellVst2(audioMasterCallback audioMaster);
+  explicit TarnwellVst2(audioMasterCallback host);
 
   void setBlockSize(VstInt32 newBlockSize) override;
   void resume() override;

@@ -16,7 +16,7 @@ namespace {
 
 // One instance and its session in the crowd: rates, requests and input, and all it has heard.
 struct Voice {
-  explicit Voice(int k) : k(k), random(1000u + k), noise(500u + k) {}
+  explicit Voice(int number) : k(number), random(1000u + k), noise(500u + k) {}
   void play(int block) {
     constexpr float kRates[] = {22050.0f, 44100.0f, 88200.0f, 96000.0f, 192000.0f};  // factor 8
     if (block == 0) plugin.setSampleRate(kRates[k % std::size(kRates)]);
