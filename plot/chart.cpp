@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <iterator>
 #include <memory>
+#include <numbers>
 #include <stdexcept>
 #include <utility>
 
@@ -120,7 +121,7 @@ void drawAxes(cairo_t* cr, const Frame& f, double unit) {
   text(cr, f.x.label, f.left + f.width / 2, f.top + f.height + unit * 2.6, 0.5, 0.0);
   cairo_save(cr);
   cairo_translate(cr, f.left - unit * 4.2, f.top + f.height / 2);
-  cairo_rotate(cr, -M_PI / 2);
+  cairo_rotate(cr, -std::numbers::pi / 2);
   text(cr, f.y.label, 0.0, 0.0, 0.5, 1.0);
   cairo_restore(cr);
 }
@@ -156,7 +157,7 @@ void drawSeries(cairo_t* cr, const Frame& f, const Chart& chart, double unit) {
   for (const Marker& m : chart.markers) {
     if (!std::isfinite(m.y) || m.y < f.y.min || m.y > f.y.max) continue;
     setColour(cr, kPalette[m.series % kMaxSeries]);
-    cairo_arc(cr, f.px(m.x), f.py(m.y), unit * 0.35, 0.0, 2 * M_PI);
+    cairo_arc(cr, f.px(m.x), f.py(m.y), unit * 0.35, 0.0, 2 * std::numbers::pi);
     cairo_fill(cr);
     setColour(cr, kInk);
     text(cr, m.text, f.px(m.x), f.py(m.y) - unit * 0.6, 0.5, 1.0);

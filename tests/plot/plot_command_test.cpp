@@ -92,15 +92,19 @@ TEST(PlotResponse, OfTheLinearStandInIsItsClosedForm) {
 
 TEST(PlotHarmonics, OfTheLinearStandInFindNoDistortionAndTheFundamentalsLevel) {
   const ScratchDir dir;
-  const Result r = runCommand({"plot", "harmonics", dir / "h.png", "--plugin", testPlugin("fake"),
-                               "--note", "A1", "--level", "-12", "--volume", "5.5"});
-  ASSERT_EQ(r.exitCode, 0) << r.err;
-  double h1 = 0, thd = -1;
-  std::sscanf(r.out.c_str() + r.out.find("H1 "), "H1 %*f Hz %lf dBFS", &h1);
-  std::sscanf(r.out.c_str() + r.out.find("THD "), "THD %lf %%", &thd);
-  EXPECT_NEAR(h1, -12 + standInDb(0.5, 55.0, 48000), 0.05) << r.out;
-  EXPECT_GE(thd, 0.0);
-  EXPECT_LT(thd, 1e-3) << r.out;
+  for (const auto& [note, hz] : {std::pair{"A1", 55.0}, {"Eb1", 38.8909}, {"f#2", 92.4986}}) {
+    const Result r =
+        runCommand({"plot", "harmonics", dir / "h.png", "--plugin", testPlugin("fake"), "--note",
+                    note, "--level", "-12", "--volume", "5.5", "--overwrite"});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    double f1 = 0, h1 = 0, thd = -1;
+    std::sscanf(r.out.c_str() + r.out.find("H1 "), "H1 %lf Hz %lf dBFS", &f1, &h1);
+    std::sscanf(r.out.c_str() + r.out.find("THD "), "THD %lf %%", &thd);
+    EXPECT_NEAR(f1, hz, 0.05) << note;
+    EXPECT_NEAR(h1, -12 + standInDb(0.5, hz, 48000), 0.01) << r.out;
+    EXPECT_GE(thd, 0.0);
+    EXPECT_LT(thd, 1e-3) << r.out;
+  }
 }
 
 TEST(Plot, EveryKindWritesAPictureOfTheAskedSize) {
