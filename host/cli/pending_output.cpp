@@ -130,10 +130,6 @@ PendingOutput::PendingOutput(const std::filesystem::path& target, bool overwrite
   }
 }
 
-void PendingOutput::checkTarget(const std::filesystem::path& target, bool overwrite) {
-  checkOutputTarget(target, overwrite);
-}
-
 void PendingOutput::write(const std::string& bytes) {
   std::size_t done = 0;
   while (done < bytes.size()) {

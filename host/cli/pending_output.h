@@ -21,10 +21,6 @@ class PendingOutput {
   PendingOutput(const std::filesystem::path& target, bool overwrite);
   ~PendingOutput();
 
-  // The constructor's up-front refusal alone, for a command that checks all its outputs before it
-  // starts on the first. Throws what checkOutputTarget throws.
-  static void checkTarget(const std::filesystem::path& target, bool overwrite);
-
   // Writes all of `bytes` to the temporary file. Throws RunError.
   void write(const std::string& bytes);
   PendingOutput(const PendingOutput&) = delete;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <optional>
 
 #include "host/cli/commands.h"
 #include "host/cli/errors.h"
@@ -77,12 +78,6 @@ PlotJob jobOf(const PlotCommand& command, PlotKind kind) {
   }
   job.noteHz = *hz;
   return job;
-}
-
-void writeFile(const std::filesystem::path& path, const std::string& bytes, bool overwrite) {
-  PendingOutput pending(path, overwrite);
-  pending.write(bytes);
-  pending.commit();
 }
 
 }  // namespace
@@ -160,8 +155,11 @@ int runPlot(const PlotCommand& command) {
   if (!command.csv.empty() && command.csv == command.output) {
     throw UsageError("--csv names the picture itself; choose another file");
   }
-  PendingOutput::checkTarget(command.output, command.overwrite);
-  if (!command.csv.empty()) PendingOutput::checkTarget(command.csv, command.overwrite);
+  // Both outputs are claimed before any work, so a CSV that cannot be written costs the picture
+  // too: either both appear or neither does.
+  PendingOutput pictureFile(command.output, command.overwrite);
+  std::optional<PendingOutput> numbersFile;
+  if (!command.csv.empty()) numbersFile.emplace(command.csv, command.overwrite);
 
   PlotResult result;
   if (kind == PlotKind::kCurve) {
@@ -175,13 +173,14 @@ int runPlot(const PlotCommand& command) {
   }
   const std::string picture = plot::drawChart(result.chart, image, width, height);
 
+  pictureFile.write(picture);
+  if (numbersFile) numbersFile->write(plot::csvTable(result.columns));
+  pictureFile.commit();
+  if (numbersFile) numbersFile->commit();
+
   fmt::print("{}", result.report);
-  writeFile(command.output, picture, command.overwrite);
   fmt::print("wrote {} ({}x{})\n", command.output.string(), width, height);
-  if (!command.csv.empty()) {
-    writeFile(command.csv, plot::csvTable(result.columns), command.overwrite);
-    fmt::print("wrote {}\n", command.csv.string());
-  }
+  if (numbersFile) fmt::print("wrote {}\n", command.csv.string());
   return kExitSuccess;
 }
 

@@ -161,6 +161,7 @@ TEST(Plot, BadInputCostsOneLineTheExitCodeAndNoFile) {
       {{"tone", "out.png", "--program", "17"}, 1, "--program"},
       {{"tone", "out.png", "--csv", "out.png"}, 1, "names the picture itself"},
       {{"tone", "missing/out.png"}, 2, "cannot write"},
+      {{"tone", "out.png", "--csv", "missing/out.csv"}, 2, "cannot write"},
       {{"tone", "out.png", "--plugin", "missing.so"}, 2, "missing.so"},
   };
   for (const Case& c : cases) {
