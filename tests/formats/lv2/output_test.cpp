@@ -1,7 +1,7 @@
 // The LV2 form through lilv, as a host drives it: its output is the double chain's output of the
-// same input, rounded to float, bit for bit, at several rates, with control changes between
-// runs, in place and not, for runs longer than the instance prepared for, and after a fresh
-// activation; its run allocates nothing.
+// same input, rounded to float, bit for bit, at several rates, with control changes (in range or
+// not) between runs, in place and not, for runs longer than the instance prepared for, and after a
+// fresh activation; its run allocates nothing.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -65,44 +65,58 @@ std::vector<float> bassSignal(int frames, double rate, unsigned seed = 7) {
   return s;
 }
 
-// A session of runs: (length, control position, new dial reading) before each run.
+// A session of runs: before each, one control gets a new reading; the chain gets the dial the
+// reading is held to (its range; a NaN reading is no reading and keeps the last).
 struct Step {
   std::uint32_t frames;
   std::size_t control;
-  float dial;
+  float reading, held;
 };
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 const std::vector<Step> kSession = {
-    {256, kVolume, 5.5f}, {1, kTreble, 8.0f},    {300, kDeep, 1.0f},  {0, kBass, 2.5f},
-    {64, kMaster, 9.0f},  {1024, kTreble, 1.0f}, {2, kVolume, 10.0f}, {700, kDeep, 0.0f},
-    {512, kBass, 10.0f},  {128, kTreble, 5.5f},
+    {256, kVolume, 5.5f, 5.5f}, {1, kTreble, 8.0f, 8.0f},     {300, kDeep, 1.0f, 1.0f},
+    {0, kBass, 2.5f, 2.5f},     {64, kMaster, 9.0f, 9.0f},    {1024, kTreble, 1.0f, 1.0f},
+    {2, kVolume, 10.0f, 10.0f}, {700, kDeep, 0.0f, 0.0f},     {512, kBass, 10.0f, 10.0f},
+    {128, kTreble, 5.5f, 5.5f}, {150, kVolume, 14.0f, 10.0f}, {150, kTreble, -3.0f, 1.0f},
+    {150, kBass, kNaN, 10.0f},  {150, kDeep, 0.25f, 1.0f},
 };
 
-// Runs the session through `amp` and the double chain (whose blocks are the pieces of at most
-// `piece` samples) and expects every output sample equal.
-void expectSessionMatches(Instance& amp, double rate, int piece, bool inPlace) {
+struct Case {
+  double rate;
+  std::int32_t announced;  // 0: none, and the form prepares kDefaultMaxBlock
+  bool inPlace;
+};
+
+class Lv2Output : public ::testing::TestWithParam<Case> {};
+
+// The session through the form and through the double chain in pieces of the prepared length:
+// every output sample equal, and no run allocates.
+TEST_P(Lv2Output, EqualsTheDoubleChainRoundedToFloatAndRunsAllocateNothing) {
+  const auto [rate, announced, inPlace] = GetParam();
+  BlockLengthFeatures features(announced);
+  Instance amp(rate, announced > 0 ? features.get() : nullptr);
+  ASSERT_TRUE(amp.valid());
+  const int piece = announced > 0 ? announced : tarnwell::lv2::kDefaultMaxBlock;
   DoubleChain chain(rate, piece);
-  std::size_t offset = 0;
   std::uint32_t total = 0;
   for (const Step& s : kSession) total += s.frames;
   const std::vector<float> input = bassSignal(static_cast<int>(total), rate);
 
+  std::size_t offset = 0;
   for (const Step& s : kSession) {
-    amp.set(s.control, s.dial);
-    chain.setDial(s.control, s.dial);
+    amp.set(s.control, s.reading);
+    chain.setDial(s.control, s.held);
     std::vector<float> out(input.begin() + offset, input.begin() + offset + s.frames);
-    if (inPlace) {
-      amp.run(out.data(), out.data(), s.frames);
-    } else {
-      std::fill(out.begin(), out.end(), -99.0f);
-      amp.run(input.data() + offset, out.data(), s.frames);
-    }
+    if (!inPlace) std::fill(out.begin(), out.end(), -99.0f);
+    const long before = allocations.load();
+    amp.run(inPlace ? out.data() : input.data() + offset, out.data(), s.frames);
+    ASSERT_EQ(allocations.load(), before) << "run of " << s.frames;
     for (std::uint32_t done = 0; done < s.frames;) {
       const int n = static_cast<int>(std::min<std::uint32_t>(s.frames - done, piece));
       const std::vector<float> expected = chain.block(input.data() + offset + done, n);
       for (int i = 0; i < n; ++i) {
         ASSERT_EQ(std::memcmp(&out[done + i], &expected[i], sizeof(float)), 0)
-            << "rate " << rate << ", sample " << offset + done + i << ": " << out[done + i]
-            << " vs " << expected[i];
+            << "sample " << offset + done + i << ": " << out[done + i] << " vs " << expected[i];
       }
       done += n;
     }
@@ -110,55 +124,10 @@ void expectSessionMatches(Instance& amp, double rate, int piece, bool inPlace) {
   }
 }
 
-class Lv2Output : public ::testing::TestWithParam<double> {};
-
-TEST_P(Lv2Output, EqualsTheDoubleChainRoundedToFloat) {
-  for (bool inPlace : {false, true}) {
-    SCOPED_TRACE(inPlace ? "in place" : "separate buffers");
-    BlockLengthFeatures features(1024);
-    Instance amp(GetParam(), features.get());
-    ASSERT_TRUE(amp.valid());
-    expectSessionMatches(amp, GetParam(), 1024, inPlace);
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(Rates, Lv2Output, ::testing::Values(44100.0, 48000.0, 96000.0));
-
-TEST(Lv2Output, RunsLongerThanPreparedGoInPiecesOfThePreparedLength) {
-  {
-    SCOPED_TRACE("announced maximum 64");
-    BlockLengthFeatures features(64);
-    Instance amp(48000.0, features.get());
-    expectSessionMatches(amp, 48000.0, 64, false);
-  }
-  {
-    SCOPED_TRACE("no announced maximum");
-    Instance amp(44100.0);
-    expectSessionMatches(amp, 44100.0, tarnwell::lv2::kDefaultMaxBlock, true);
-  }
-}
-
-TEST(Lv2Output, ControlReadingsOutsideTheirRangeAreHeldToIt) {
-  Instance amp(44100.0);
-  DoubleChain chain(44100.0, 4096);
-  const std::vector<float> input = bassSignal(600, 44100.0);
-  const struct {
-    std::size_t control;
-    float reading, held;
-  } cases[] = {{kVolume, 14.0f, 10.0f},
-               {kTreble, -3.0f, 1.0f},
-               {kBass, std::numeric_limits<float>::quiet_NaN(), 5.5f},
-               {kDeep, 0.25f, 1.0f}};
-  std::size_t offset = 0;
-  for (const auto& c : cases) {
-    amp.set(c.control, c.reading);
-    chain.setDial(c.control, c.held);
-    std::vector<float> out(150);
-    amp.run(input.data() + offset, out.data(), 150);
-    EXPECT_EQ(out, chain.block(input.data() + offset, 150)) << "reading " << c.reading;
-    offset += 150;
-  }
-}
+INSTANTIATE_TEST_SUITE_P(RatesPiecesAndBuffers, Lv2Output,
+                         ::testing::Values(Case{44100.0, 1024, false}, Case{44100.0, 0, true},
+                                           Case{48000.0, 64, false}, Case{48000.0, 1024, true},
+                                           Case{96000.0, 1024, false}, Case{96000.0, 64, true}));
 
 TEST(Lv2Output, ActivatingAgainStartsFromAFreshChain) {
   const std::vector<float> input = bassSignal(800, 48000.0);
@@ -175,22 +144,6 @@ TEST(Lv2Output, ActivatingAgainStartsFromAFreshChain) {
   reused.set(kTreble, 7.0f);
   reused.run(input.data(), out.data(), 800);
   EXPECT_EQ(out, expected);
-}
-
-TEST(Lv2Output, RunAllocatesNothing) {
-  BlockLengthFeatures features(512);
-  Instance amp(48000.0, features.get());
-  const std::vector<float> input = bassSignal(4096, 48000.0);
-  std::vector<float> out(4096);
-  amp.run(input.data(), out.data(), 512);
-  const long before = allocations.load();
-  float dial = 1.0f;
-  for (std::uint32_t frames : {512u, 1u, 0u, 333u, 4096u}) {
-    for (std::size_t k = 0; k < kControls.size(); ++k) amp.set(k, dial);
-    dial += 2.0f;
-    amp.run(input.data(), out.data(), frames);
-  }
-  EXPECT_EQ(allocations.load(), before);
 }
 
 TEST(Lv2Output, RefusesARateThatIsNotAPositiveNumber) {
