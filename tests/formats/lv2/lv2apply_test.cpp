@@ -11,98 +11,50 @@
 // sample 10000 and by 2.9e-11 from sample 44100.) The test compares from sample 44100 (1 s) on,
 // with one float rounding step at the peak (6e-8) as the bound.
 #include <gtest/gtest.h>
-#include <sndfile.h>
 
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
-#include <string>
-#include <vector>
 
+#include "../../host/host_test_support.h"
 #include "formats/lv2/ports.h"
 
 namespace {
 
-namespace fs = std::filesystem;
+using namespace host_test;
 
-constexpr sf_count_t kCompareFrom = 44100;
-
-struct Sound {
-  int rate = 0;
-  std::vector<float> samples;
-};
-
-Sound readMono(const fs::path& path) {
-  SF_INFO info{};
-  SNDFILE* file = sf_open(path.c_str(), SFM_READ, &info);
-  Sound sound;
-  if (file == nullptr || info.channels != 1) {
-    if (file != nullptr) sf_close(file);
-    return sound;
-  }
-  sound.rate = info.samplerate;
-  sound.samples.resize(static_cast<std::size_t>(info.frames));
-  sound.samples.resize(
-      static_cast<std::size_t>(sf_readf_float(file, sound.samples.data(), info.frames)));
-  sf_close(file);
-  return sound;
-}
-
-bool onPath(const char* tool) {
-  return std::system((std::string("command -v ") + tool + " >/dev/null 2>&1").c_str()) == 0;
-}
-
-class TempDir {
- public:
-  TempDir() {
-    char pattern[] = "/tmp/tarnwell-lv2apply-XXXXXX";
-    path_ = mkdtemp(pattern) != nullptr ? pattern : "";
-  }
-  ~TempDir() {
-    std::error_code ignored;
-    if (!path_.empty()) fs::remove_all(path_, ignored);
-  }
-  const fs::path& path() const { return path_; }
-
- private:
-  fs::path path_;
-};
-
-int run(const std::string& command) {
-  return std::system(command.c_str());
-}
+constexpr std::size_t kCompareFrom = 44100;
+constexpr char kLv2Apply[] = "/usr/bin/lv2apply";
 
 TEST(Lv2Apply, RendersAsTheCommandDoesOncePastTheStart) {
-  if (!onPath("lv2apply")) GTEST_SKIP() << "lv2apply is not installed (Debian package lilv-utils)";
-  TempDir dir;
-  ASSERT_FALSE(dir.path().empty());
-  const fs::path dry = dir.path() / "demo-dry.wav";
-  const fs::path lv2 = dir.path() / "lv2apply.wav";
-  const fs::path amp = dir.path() / "render.wav";
-  const std::string tarnwell = TARNWELL_COMMAND;
-
-  ASSERT_EQ(run(tarnwell + " demo " + dir.path().string() + " >/dev/null"), 0);
+  if (!fs::exists(kLv2Apply))
+    GTEST_SKIP() << "lv2apply is not installed (Debian package lilv-utils)";
+  const ScratchDir dir;
+  ASSERT_EQ(runCommand({"demo", dir.path}).exitCode, 0);
   ASSERT_EQ(setenv("LV2_PATH", TARNWELL_LV2_DIR, 1), 0);
-  ASSERT_EQ(run("lv2apply -i " + dry.string() + " -o " + lv2.string() +
-                " -c deep 1 -c bass 7 -c treble 4.5 -c master 3 " + tarnwell::lv2::kPluginUri),
-            0);
-  ASSERT_EQ(run(tarnwell + " render -q " + dry.string() + " " + amp.string() +
-                " --deep on --bass 7 --treble 4.5 --master 3"),
+  const Result lv2 = runCommand(
+      {"-i", dir / "demo-dry.wav", "-o", dir / "lv2apply.wav", "-c", "deep", "1", "-c", "bass", "7",
+       "-c", "treble", "4.5", "-c", "master", "3", tarnwell::lv2::kPluginUri},
+      kLv2Apply);
+  ASSERT_EQ(lv2.exitCode, 0) << lv2.err;
+  ASSERT_EQ(runCommand({"render", "-q", dir / "demo-dry.wav", dir / "render.wav", "--deep", "on",
+                        "--bass", "7", "--treble", "4.5", "--master", "3"})
+                .exitCode,
             0);
 
-  const Sound fromLv2 = readMono(lv2), fromCommand = readMono(amp);
-  ASSERT_EQ(fromLv2.rate, fromCommand.rate);
+  const Audio fromLv2 = readAudio(dir / "lv2apply.wav"),
+              fromCommand = readAudio(dir / "render.wav");
+  ASSERT_EQ(fromLv2.info.samplerate, fromCommand.info.samplerate);
+  ASSERT_EQ(fromLv2.info.channels, 1);
   ASSERT_EQ(fromLv2.samples.size(), fromCommand.samples.size());
-  ASSERT_GT(fromLv2.samples.size(), static_cast<std::size_t>(2 * kCompareFrom));
+  ASSERT_GT(fromLv2.samples.size(), 2 * kCompareFrom);
 
   double largest = 0.0, peak = 0.0;
   for (std::size_t i = kCompareFrom; i < fromLv2.samples.size(); ++i) {
-    largest = std::max(largest, std::fabs(double{fromLv2.samples[i]} - fromCommand.samples[i]));
-    peak = std::max(peak, std::fabs(double{fromCommand.samples[i]}));
+    largest = std::max(largest, std::fabs(fromLv2.samples[i] - fromCommand.samples[i]));
+    peak = std::max(peak, std::fabs(fromCommand.samples[i]));
   }
-  std::printf("from sample %lld: largest difference %.3g, peak %.3f\n",
-              static_cast<long long>(kCompareFrom), largest, peak);
+  std::printf("from sample %zu: largest difference %.3g, peak %.3f\n", kCompareFrom, largest, peak);
   EXPECT_GT(peak, 0.05) << "the command's render is all but silent";
   // One rounding step of a float at the peak.
   EXPECT_LE(largest, std::ldexp(peak, -23)) << "from sample " << kCompareFrom;
