@@ -38,19 +38,7 @@ TEST(Chart, WritesPngAndSvgOfTheAskedSize) {
 TEST(Chart, DrawsTheCurveWhereTheAxesPutIt) {
   // The 0 dB line lies 10/40 of the way down the plot area: find the first series' colour in a
   // column at mid-plot and check it sits above the middle, nowhere near the bottom.
-  const std::string png = drawChart(sampleChart(), ImageKind::kPng, 800, 600);
-  struct Reader {
-    const std::string* bytes;
-    std::size_t pos;
-  } reader{&png, 0};
-  cairo_surface_t* s = cairo_image_surface_create_from_png_stream(
-      [](void* c, unsigned char* data, unsigned int n) {
-        auto* r = static_cast<Reader*>(c);
-        std::memcpy(data, r->bytes->data() + r->pos, n);
-        r->pos += n;
-        return CAIRO_STATUS_SUCCESS;
-      },
-      &reader);
+  cairo_surface_t* s = plot_test::decodePng(drawChart(sampleChart(), ImageKind::kPng, 800, 600));
   ASSERT_EQ(cairo_surface_status(s), CAIRO_STATUS_SUCCESS);
   const unsigned char* data = cairo_image_surface_get_data(s);
   const int stride = cairo_image_surface_get_stride(s);

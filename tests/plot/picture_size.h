@@ -1,5 +1,5 @@
-// Reads a picture's size back: a PNG through Cairo, an SVG from its root element's width and
-// height. {0, 0} when the bytes are neither.
+// Reads a picture back: a PNG through Cairo, an SVG's size from its root element's width and
+// height. A size of {0, 0} when the bytes are neither.
 #pragma once
 
 #include <cairo.h>
@@ -11,12 +11,13 @@
 
 namespace plot_test {
 
-inline std::pair<int, int> pngSize(const std::string& bytes) {
+// The decoded image, to be destroyed by the caller; its status tells whether the bytes were a PNG.
+inline cairo_surface_t* decodePng(const std::string& bytes) {
   struct Reader {
     const std::string* bytes;
     std::size_t pos = 0;
   } reader{&bytes};
-  cairo_surface_t* surface = cairo_image_surface_create_from_png_stream(
+  return cairo_image_surface_create_from_png_stream(
       [](void* closure, unsigned char* data, unsigned int length) {
         auto* r = static_cast<Reader*>(closure);
         if (r->pos + length > r->bytes->size()) return CAIRO_STATUS_READ_ERROR;
@@ -25,6 +26,10 @@ inline std::pair<int, int> pngSize(const std::string& bytes) {
         return CAIRO_STATUS_SUCCESS;
       },
       &reader);
+}
+
+inline std::pair<int, int> pngSize(const std::string& bytes) {
+  cairo_surface_t* surface = decodePng(bytes);
   std::pair<int, int> size{0, 0};
   if (cairo_surface_status(surface) == CAIRO_STATUS_SUCCESS)
     size = {cairo_image_surface_get_width(surface), cairo_image_surface_get_height(surface)};
