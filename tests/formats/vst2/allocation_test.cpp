@@ -1,6 +1,6 @@
 // Neither process function of the standard form allocates, long blocks and parameter changes
-// included; the scratch is allocated on the control thread, and memory running out there or while
-// creating the effect is survived.
+// included; the scratch is allocated on the control thread, and memory running out there is
+// survived.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -60,15 +60,6 @@ TEST(Allocation, OutOfMemoryKeepsThePiecesUntilProcessingIsSwitchedOnAgain) {
   standard.processFloat(&io[256], &io[256], 256);
   original.processDouble(&reference[256], &reference[256], 256);
   for (int i = 0; i < 512; ++i) ASSERT_EQ(io[i], static_cast<float>(reference[i])) << i;
-}
-
-TEST(Allocation, AnEffectThatCannotBeCreatedIsNoEffect) {
-  const StandardEntry entry = standardEntry();
-  failAllocations = true;
-  AEffect* effect = entry(loggingHost);
-  failAllocations = false;
-  unclaimedRequests().clear();
-  EXPECT_EQ(effect, nullptr);
 }
 
 }  // namespace

@@ -1,28 +1,27 @@
 // The standard form answers every request exactly as tarnwell.so does: the record, every opcode
-// with a spread of indices and values, the parameter functions and what each asks of its host.
+// with a spread of indices and values, the parameter functions and what each asks of its host;
+// and, as tarnwell.so's entry, no effect for hosts that refuse or fail, nor when memory runs out.
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
 #include <cstring>
+#include <tuple>
 
 #include "daw_host.h"
+
+extern std::atomic<bool> failAllocations;  // makes every operator new fail (alloc_counter.cpp)
 
 namespace {
 
 // The record as a host reads it, function pointers aside (each binary has its own).
 void expectSameRecord(const AEffect& standard, const AEffect& original) {
-  EXPECT_EQ(standard.magic, original.magic);
-  EXPECT_EQ(standard.numPrograms, original.numPrograms);
-  EXPECT_EQ(standard.numParams, original.numParams);
-  EXPECT_EQ(standard.numInputs, original.numInputs);
-  EXPECT_EQ(standard.numOutputs, original.numOutputs);
-  EXPECT_EQ(standard.flags, original.flags);
-  EXPECT_EQ(standard.initialDelay, original.initialDelay);
-  EXPECT_EQ(standard.realQualities, original.realQualities);
-  EXPECT_EQ(standard.offQualities, original.offQualities);
-  EXPECT_EQ(standard.ioRatio, original.ioRatio);
-  EXPECT_EQ(standard.uniqueID, original.uniqueID);
-  EXPECT_EQ(standard.version, original.version);
+  const auto fields = [](const AEffect& e) {
+    return std::tuple(e.magic, e.numPrograms, e.numParams, e.numInputs, e.numOutputs, e.flags,
+                      e.initialDelay, e.realQualities, e.offQualities, e.ioRatio, e.uniqueID,
+                      e.version);
+  };
+  EXPECT_EQ(fields(standard), fields(original));
   EXPECT_EQ(std::memcmp(standard.future, original.future, sizeof standard.future), 0);
   EXPECT_TRUE(standard.dispatcher && standard.setParameter && standard.getParameter &&
               standard.process && standard.processReplacing && standard.processDoubleReplacing);
@@ -86,8 +85,12 @@ TEST_P(Answers, EveryRequestAnswersAsTarnwellSo) {
 
 INSTANTIATE_TEST_SUITE_P(BothEntryNames, Answers, ::testing::Values("VSTPluginMain", "main"));
 
-TEST(Entry, HostsThatRefuseOrFailGetNoEffect) {
+TEST(Entry, HostsThatRefuseOrFailAndMemoryRunningOutGetNoEffect) {
   const StandardEntry entry = standardEntry();
+  failAllocations = true;
+  EXPECT_EQ(entry(loggingHost), nullptr);
+  failAllocations = false;
+  unclaimedRequests().clear();
   EXPECT_EQ(entry(nullptr), nullptr);
   EXPECT_EQ(entry([](AEffect*, VstInt32, VstInt32, VstIntPtr, void*, float) -> VstIntPtr {
               return 0;  // a host from before the interface
