@@ -148,10 +148,8 @@ class Session {
     plugin_->process(input_.data(), out, n);
 
     const bool setUp = rate_ > 0.0, bounded = setUp && inRange && kind < kFiniteInputs;
-    // |out| <= 1 * L1(down) * L1(hp30) * L1(lp2700) * L1(hp20) * 1.2 * 0.562341325, the L1 norms
-    // computed in output_bound.h at this rate: at 44100 Hz 1.7902 * 1.9957 * 1 * 1.9972 * 0.6748
-    // = 4.815; at 8000 Hz, where the 2700 Hz pole turns negative, 6.075. The norms grow with the
-    // samples since the set-up, so the block's last sample has the widest bound.
+    // 4.815 at 44100 Hz; 6.075 at 8000 Hz, where the 2700 Hz pole turns negative. The norms grow
+    // with the samples since the set-up, so the block's last sample has the widest bound.
     const double bound = bounded ? reliability::outputBound(rate_, samplesSinceSetUp_ + n) : 0.0;
     for (int i = 0; i < n; ++i) {
       if (!std::isfinite(out[i])) fail("non-finite output sample", out[i]);

@@ -63,30 +63,30 @@ void printSession(Entry entry, const char* form, float rate, int block) {
   }
 }
 
+// The named entry point of `library`, or null after saying why.
+template <typename Entry>
+Entry entryOf(const char* library, const char* name) {
+  void* handle = dlopen(library, RTLD_NOW | RTLD_LOCAL);
+  const auto entry = handle ? reinterpret_cast<Entry>(dlsym(handle, name)) : nullptr;
+  if (entry == nullptr)
+    std::fprintf(stderr, "plugin_check: no %s in %s: %s\n", name, library, dlerror());
+  return entry;
+}
+
 // The standard form (tarnwell-vst2.so): its float path through the same sessions.
 int runFloatSessions(const char* library) {
-  void* handle = dlopen(library, RTLD_NOW | RTLD_LOCAL);
-  const auto main =
-      handle ? reinterpret_cast<reliability::MainProc>(dlsym(handle, "VSTPluginMain")) : nullptr;
-  if (main == nullptr) {
-    std::fprintf(stderr, "plugin_check: no VSTPluginMain in %s: %s\n", library, dlerror());
-    return 1;
-  }
+  const auto main = entryOf<reliability::MainProc>(library, "VSTPluginMain");
+  if (main == nullptr) return 1;
   for (const float rate : kRates) {
     for (const int block : kBlocks) printSession<float>(main, "float-", rate, block);
   }
-  dlclose(handle);
   return 0;
 }
 
 int runChecks(const char* library) {
-  void* handle = dlopen(library, RTLD_NOW | RTLD_LOCAL);
-  const auto entry =
-      handle ? reinterpret_cast<reliability::EntryProc>(dlsym(handle, "getinterface")) : nullptr;
-  if (entry == nullptr || dlsym(handle, "OrvTypeIF") == nullptr) {
-    std::fprintf(stderr, "plugin_check: no entry points in %s: %s\n", library, dlerror());
+  const auto entry = entryOf<reliability::EntryProc>(library, "getinterface");
+  if (entry == nullptr || entryOf<reliability::EntryProc>(library, "OrvTypeIF") == nullptr)
     return 1;
-  }
   for (const float rate : kRates) {
     reliability::PluginInstance plugin(entry);
     const AEffect* e = plugin.effect();
@@ -102,7 +102,6 @@ int runChecks(const char* library) {
     check(plugin.getParameter(2) == 0.25f, "VOLUME 0.25 reads back exactly");
     for (const int block : kBlocks) printSession<double>(entry, "", rate, block);
   }
-  dlclose(handle);
   return failures == 0 ? 0 : 1;
 }
 
