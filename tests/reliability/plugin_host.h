@@ -15,17 +15,19 @@ using EntryProc = Orv_TypeIF* (*)(audioMasterCallback);
 using MainProc = AEffect* (*)(audioMasterCallback);  // the standard form's VSTPluginMain
 
 // Opened on construction, closed through effClose on destruction; effect() is null if the entry
-// point (of the plug-in linked in, or of one loaded) made no instance.
+// point (of the plug-in linked in, or of one loaded) made no instance. The host answers only its
+// version unless another is given.
 class PluginInstance {
  public:
-  explicit PluginInstance(EntryProc entry) {
-    if (Orv_TypeIF* handle = entry(hostCallback)) {
+  explicit PluginInstance(EntryProc entry, audioMasterCallback host = hostCallback) {
+    if (Orv_TypeIF* handle = entry(host)) {
       effect_ = handle->aeffect;
       delete handle;  // owns nothing; a host may drop it at once
     }
     if (effect_ != nullptr) dispatch(effOpen);
   }
-  explicit PluginInstance(MainProc main) : effect_(main(hostCallback)) {
+  explicit PluginInstance(MainProc main, audioMasterCallback host = hostCallback)
+      : effect_(main(host)) {
     if (effect_ != nullptr) dispatch(effOpen);
   }
   ~PluginInstance() {

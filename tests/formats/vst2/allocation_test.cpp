@@ -30,9 +30,8 @@ TEST(Allocation, ProcessFunctionsAllocateNothingWhileSetUpDoes) {
   for (int block = 0; block < 12; ++block) {
     standard.setParameter(1 + block % 5, 0.08f * block);
     const int frames = block == 11 ? 0 : 64 * block + 1;  // up to 11 pieces, and an empty block
-    standard.processFloat(floats.data(), block % 2 ? floats.data() : floats.data() + frames,
-                          frames);
-    standard.processDouble(doubles.data(), doubles.data(), frames);
+    standard.process(floats.data(), block % 2 ? floats.data() : floats.data() + frames, frames);
+    standard.process(doubles.data(), doubles.data(), frames);
   }
   EXPECT_EQ(allocations.load(), before);
 }
@@ -50,15 +49,15 @@ TEST(Allocation, OutOfMemoryKeepsThePiecesUntilProcessingIsSwitchedOnAgain) {
   std::vector<double> reference(io.begin(), io.end());
   standard.setParameter(3, 0.8f);
   original.setParameter(3, 0.8f);
-  standard.processFloat(io.data(), io.data(), 256);  // still in pieces of 64
+  standard.process(io.data(), io.data(), 256);  // still in pieces of 64
   for (int start = 0; start < 256; start += 64) {
-    original.processDouble(&reference[start], &reference[start], 64);
+    original.process(&reference[start], &reference[start], 64);
   }
   standard.dispatch(effMainsChanged, 0, 1);  // prepares the announced 256
   standard.setParameter(3, 0.1f);
   original.setParameter(3, 0.1f);
-  standard.processFloat(&io[256], &io[256], 256);
-  original.processDouble(&reference[256], &reference[256], 256);
+  standard.process(&io[256], &io[256], 256);
+  original.process(&reference[256], &reference[256], 256);
   for (int i = 0; i < 512; ++i) ASSERT_EQ(io[i], static_cast<float>(reference[i])) << i;
 }
 

@@ -86,11 +86,11 @@ TEST_P(Answers, EveryRequestAnswersAsTarnwellSo) {
 INSTANTIATE_TEST_SUITE_P(BothEntryNames, Answers, ::testing::Values("VSTPluginMain", "main"));
 
 TEST(Entry, HostsThatRefuseOrFailAndMemoryRunningOutGetNoEffect) {
-  const StandardEntry entry = standardEntry();
+  const auto entry = standardEntry();
   failAllocations = true;
   EXPECT_EQ(entry(loggingHost), nullptr);
   failAllocations = false;
-  unclaimedRequests().clear();
+  unclaimedRequests.clear();
   EXPECT_EQ(entry(nullptr), nullptr);
   EXPECT_EQ(entry([](AEffect*, VstInt32, VstInt32, VstIntPtr, void*, float) -> VstIntPtr {
               return 0;  // a host from before the interface

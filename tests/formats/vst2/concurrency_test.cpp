@@ -16,7 +16,7 @@ TEST(Concurrency, FloatBlocksWhileTheHostAnnouncesBlockSizes) {
   std::thread audio([&] {
     std::vector<float> io = bassSignal(2048, 48000.0, 0.7);
     for (int block = 0; block < 1500; ++block) {
-      amp.processFloat(io.data(), io.data(), 1 + (block * 97) % 2048);
+      amp.process(io.data(), io.data(), 1 + (block * 97) % 2048);
       for (const float v : io) allFinite = allFinite && std::isfinite(v);
     }
     running = false;

@@ -12,7 +12,7 @@
 #include <random>
 #include <vector>
 
-#include "hostif/orv_typeif.h"
+#include "tests/reliability/plugin_host.h"
 
 struct HostRequest {
   VstInt32 opcode;
@@ -22,18 +22,16 @@ struct HostRequest {
   bool operator==(const HostRequest&) const = default;
 };
 
-inline std::vector<HostRequest>& unclaimedRequests() {
-  static std::vector<HostRequest> requests;
-  return requests;
-}
+// Requests made before an instance's record is handed over (the version request), and those of
+// instances closing.
+inline std::vector<HostRequest> unclaimedRequests, closingRequests;
 
-// The host's callback: a request of an instance goes to the log its `user` field points at;
-// those made before the record is handed over (the version request) wait in the unclaimed log.
+// The host's callback: a request of an instance goes to the log its `user` field points at.
 inline VstIntPtr loggingHost(AEffect* effect, VstInt32 opcode, VstInt32 index, VstIntPtr value,
                              void*, float opt) {
   auto* log = effect != nullptr && effect->user != nullptr
                   ? static_cast<std::vector<HostRequest>*>(effect->user)
-                  : &unclaimedRequests();
+                  : &unclaimedRequests;
   log->push_back({opcode, index, value, opt});
   return opcode == audioMasterVersion ? 2400 : 0;
 }
@@ -48,71 +46,44 @@ inline void* symbolOf(const char* path, const char* name) {
   return symbol;
 }
 
-using StandardEntry = AEffect* (*)(audioMasterCallback);
-using OriginalEntry = Orv_TypeIF* (*)(audioMasterCallback);
-
-inline StandardEntry standardEntry(const char* name = "VSTPluginMain") {
-  return reinterpret_cast<StandardEntry>(symbolOf(TARNWELL_VST2_PATH, name));
+inline reliability::MainProc standardEntry(const char* name = "VSTPluginMain") {
+  return reinterpret_cast<reliability::MainProc>(symbolOf(TARNWELL_VST2_PATH, name));
 }
 
-inline AEffect* originalEffect(audioMasterCallback host) {
-  auto entry = reinterpret_cast<OriginalEntry>(symbolOf(TARNWELL_PLUGIN_PATH, "getinterface"));
-  Orv_TypeIF* handle = entry(host);
-  AEffect* effect = handle != nullptr ? handle->aeffect : nullptr;
-  delete handle;  // the handle owns nothing
-  return effect;
-}
-
-// One opened instance; closed through its record at the end.
-class DawInstance {
+// One opened instance with the log of every request it made of its host.
+class DawInstance : public reliability::PluginInstance {
  public:
   // The standard form through the named entry.
-  explicit DawInstance(const char* entryName) { adopt(standardEntry(entryName)(loggingHost)); }
+  explicit DawInstance(const char* entryName)
+      : PluginInstance(standardEntry(entryName), loggingHost) {
+    claimRequests();
+  }
   // tarnwell.so.
-  DawInstance() { adopt(originalEffect(loggingHost)); }
+  DawInstance()
+      : PluginInstance(reinterpret_cast<reliability::EntryProc>(
+                           symbolOf(TARNWELL_PLUGIN_PATH, "getinterface")),
+                       loggingHost) {
+    claimRequests();
+  }
   ~DawInstance() {
-    if (effect_ != nullptr) dispatch(effClose);
+    if (effect() != nullptr) effect()->user = &closingRequests;  // the log goes before the record
   }
-  DawInstance(const DawInstance&) = delete;
-  DawInstance& operator=(const DawInstance&) = delete;
 
-  AEffect* effect() const { return effect_; }
-  // Every request this instance made of its host, from the version request on.
   const std::vector<HostRequest>& hostRequests() const { return requests_; }
-
-  VstIntPtr dispatch(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr,
-                     float opt = 0.0f) {
-    return effect_->dispatcher(effect_, opcode, index, value, ptr, opt);
-  }
-  void setParameter(VstInt32 index, float value) { effect_->setParameter(effect_, index, value); }
-  float getParameter(VstInt32 index) { return effect_->getParameter(effect_, index); }
 
   // Set-up as a DAW does it before playing: rate, block size, processing switched on.
   void prepare(float rate, VstInt32 blockSize) {
-    dispatch(effSetSampleRate, 0, 0, nullptr, rate);
+    setSampleRate(rate);
     dispatch(effSetBlockSize, 0, blockSize);
     dispatch(effMainsChanged, 0, 1);
   }
-  // One block each; `in` may equal `out`.
-  void processFloat(float* in, float* out, VstInt32 frames) {
-    effect_->processReplacing(effect_, &in, &out, frames);
-  }
-  void processDouble(double* in, double* out, VstInt32 frames) {
-    effect_->processDoubleReplacing(effect_, &in, &out, frames);
-  }
 
  private:
-  void adopt(AEffect* effect) {
-    effect_ = effect;
-    requests_.swap(unclaimedRequests());
-    unclaimedRequests().clear();
-    if (effect_ != nullptr) {
-      effect_->user = &requests_;
-      dispatch(effOpen);
-    }
+  void claimRequests() {
+    requests_.swap(unclaimedRequests);
+    unclaimedRequests.clear();
+    if (effect() != nullptr) effect()->user = &requests_;
   }
-
-  AEffect* effect_ = nullptr;
   std::vector<HostRequest> requests_;
 };
 

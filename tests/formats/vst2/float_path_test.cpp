@@ -49,24 +49,26 @@ void expectFloatEqualsRoundedDouble(float rate, VstInt32 announced, int blockFra
     const int start = block * blockFrames;
     if (inPlace) {
       std::copy(input.begin() + start, input.begin() + start + blockFrames, out.begin() + start);
-      standard.processFloat(&out[start], &out[start], blockFrames);
+      standard.process(&out[start], &out[start], blockFrames);
     } else {
       std::vector<float> in(input.begin() + start, input.begin() + start + blockFrames);
-      standard.processFloat(in.data(), &out[start], blockFrames);
+      standard.process(in.data(), &out[start], blockFrames);
     }
-    standardDouble.processDouble(&doubles[start], &doubles[start], blockFrames);
+    standardDouble.process(&doubles[start], &doubles[start], blockFrames);
     for (int done = 0; done < blockFrames; done += referenceFrames) {
       double* piece = &reference[start + done];
-      original.processDouble(piece, piece, std::min(referenceFrames, blockFrames - done));
+      original.process(piece, piece, std::min(referenceFrames, blockFrames - done));
     }
     if (block == 1) {
       changeParameters(block + 3, {&standard, &original, &standardDouble});
-      standardDouble.processDouble(doubles.data(), doubles.data(), 0);
-      standard.processFloat(out.data(), out.data(), 0);
-      original.processDouble(reference.data(), reference.data(), 0);
+      standardDouble.process(doubles.data(), doubles.data(), 0);
+      standard.process(out.data(), out.data(), 0);
+      original.process(reference.data(), reference.data(), 0);
     }
   }
-  if (blockFrames == referenceFrames) EXPECT_EQ(doubles, reference) << "the double path";
+  if (blockFrames == referenceFrames) {
+    EXPECT_EQ(doubles, reference) << "the double path";
+  }
   double peak = 0.0;
   for (const double v : reference) peak = std::max(peak, std::abs(v));
   ASSERT_GT(peak, 0.01) << "the amp sounds";
