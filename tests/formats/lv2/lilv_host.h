@@ -55,7 +55,7 @@ inline const LilvPlugin* plugin() {
 }
 
 // The features a host passes to announce its longest block: urid:map and options with
-// buf-size maxBlockLength. Maps the few URIs it needs by position in a fixed list.
+// buf-size maxBlockLength. Maps only the two URIs it needs.
 class BlockLengthFeatures {
  public:
   explicit BlockLengthFeatures(std::int32_t maxBlock) : maxBlock_(maxBlock) {
@@ -74,11 +74,10 @@ class BlockLengthFeatures {
 
  private:
   static LV2_URID map(LV2_URID_Map_Handle, const char* text) {
-    static const char* const known[] = {LV2_BUF_SIZE__maxBlockLength, LV2_ATOM__Int};
-    for (LV2_URID k = 0; k < 2; ++k) {
-      if (std::string(known[k]) == text) return k + 1;
-    }
-    return 100;  // anything else: an id that never matches
+    const std::string uri = text;
+    return uri == LV2_BUF_SIZE__maxBlockLength ? 1
+           : uri == LV2_ATOM__Int              ? 2
+                                               : 100;  // 100: no match
   }
 
   std::int32_t maxBlock_;
