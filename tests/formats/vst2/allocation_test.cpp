@@ -24,7 +24,7 @@ TEST(Allocation, ProcessFunctionsAllocateNothingWhileSetUpDoes) {
   EXPECT_GT(allocations.load(), before) << "scratch sized on the control thread";
   standard.dispatch(effMainsChanged, 0, 1);
 
-  std::vector<float> floats = bassSignal(4096, 48000.0, 0.7);
+  std::vector<float> floats = noise(4096, 0.7);
   std::vector<double> doubles(floats.begin(), floats.end());
   before = allocations.load();
   for (int block = 0; block < 12; ++block) {
@@ -45,7 +45,7 @@ TEST(Allocation, OutOfMemoryKeepsThePiecesUntilProcessingIsSwitchedOnAgain) {
   failAllocations = false;
   original.dispatch(effSetBlockSize, 0, 256);
 
-  std::vector<float> io = bassSignal(512, 44100.0, 0.5);
+  std::vector<float> io = noise(512, 0.5);
   std::vector<double> reference(io.begin(), io.end());
   standard.setParameter(3, 0.8f);
   original.setParameter(3, 0.8f);

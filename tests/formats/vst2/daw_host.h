@@ -6,10 +6,8 @@
 
 #include <dlfcn.h>
 
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <random>
 #include <vector>
 
 #include "tests/reliability/plugin_host.h"
@@ -87,15 +85,10 @@ class DawInstance : public reliability::PluginInstance {
   std::vector<HostRequest> requests_;
 };
 
-// A bass-like test signal in float: two sines and some noise at the given peak level.
-inline std::vector<float> bassSignal(int frames, double rate, double level, unsigned seed = 1) {
-  std::mt19937 random(seed);
-  std::uniform_real_distribution<double> noise(-0.1, 0.1);
+// Noise in float at the given peak level, the same on every run.
+inline std::vector<float> noise(int frames, double level) {
+  reliability::NoiseSource source(1);
   std::vector<float> signal(frames);
-  for (int i = 0; i < frames; ++i) {
-    const double phase = 6.283185307179586 * i / rate;
-    signal[i] = static_cast<float>(
-        level * (0.6 * std::sin(41.2 * phase) + 0.3 * std::sin(164.8 * phase) + noise(random)));
-  }
+  for (float& x : signal) x = static_cast<float>(level * source.nextSample());
   return signal;
 }

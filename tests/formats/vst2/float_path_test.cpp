@@ -41,7 +41,7 @@ void expectFloatEqualsRoundedDouble(float rate, VstInt32 announced, int blockFra
                                     int referenceFrames, bool inPlace, int blocks = 6) {
   DawInstance standard("VSTPluginMain"), original, standardDouble("VSTPluginMain");
   for (DawInstance* d : {&standard, &original, &standardDouble}) d->prepare(rate, announced);
-  const std::vector<float> input = bassSignal(blockFrames * blocks, rate, 0.8);
+  const std::vector<float> input = noise(blockFrames * blocks, 0.8);
   std::vector<float> out(input.size());
   std::vector<double> reference = widened(input), doubles = reference;
   for (int block = 0; block < blocks; ++block) {
