@@ -1,10 +1,12 @@
 // The standard form's single-precision process is the double chain on the widened input, rounded
 // back to float, bit for bit, and its double path is tarnwell.so's: compared with tarnwell.so's
 // double path on the same input and the same requests, for several rates, block sizes, parameter
-// changes between blocks, in place or not, and blocks longer than the host announced.
+// changes between blocks, in place or not, and blocks longer than the host announced. Neither
+// process function allocates.
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <initializer_list>
 #include <tuple>
@@ -12,6 +14,8 @@
 
 #include "amp/parameter_index.h"
 #include "daw_host.h"
+
+extern std::atomic<long> allocations;  // every operator new, counted in alloc_counter.cpp
 
 namespace {
 
@@ -47,22 +51,22 @@ void expectFloatEqualsRoundedDouble(float rate, VstInt32 announced, int blockFra
   for (int block = 0; block < blocks; ++block) {
     changeParameters(block, {&standard, &original, &standardDouble});
     const int start = block * blockFrames;
-    if (inPlace) {
-      std::copy(input.begin() + start, input.begin() + start + blockFrames, out.begin() + start);
-      standard.process(&out[start], &out[start], blockFrames);
-    } else {
-      std::vector<float> in(input.begin() + start, input.begin() + start + blockFrames);
-      standard.process(in.data(), &out[start], blockFrames);
-    }
+    std::vector<float> in(input.begin() + start, input.begin() + start + blockFrames);
+    if (inPlace) std::copy(in.begin(), in.end(), out.begin() + start);
+    long before = allocations.load();
+    standard.process(inPlace ? &out[start] : in.data(), &out[start], blockFrames);
     standardDouble.process(&doubles[start], &doubles[start], blockFrames);
+    ASSERT_EQ(allocations.load(), before) << "block " << block << " allocated";
     for (int done = 0; done < blockFrames; done += referenceFrames) {
       double* piece = &reference[start + done];
       original.process(piece, piece, std::min(referenceFrames, blockFrames - done));
     }
     if (block == 1) {
       changeParameters(block + 3, {&standard, &original, &standardDouble});
+      before = allocations.load();
       standardDouble.process(doubles.data(), doubles.data(), 0);
       standard.process(out.data(), out.data(), 0);
+      ASSERT_EQ(allocations.load(), before) << "an empty block allocated";
       original.process(reference.data(), reference.data(), 0);
     }
   }
