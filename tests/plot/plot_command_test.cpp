@@ -15,23 +15,20 @@ namespace {
 
 using namespace host_test;
 
+// The header line as it stands (names may be quoted and hold commas) and the numbers below it.
 struct Table {
-  std::vector<std::string> names;
+  std::string header;
   std::vector<std::vector<double>> rows;
 };
 
 Table readCsv(const std::string& path) {
   Table t;
   std::istringstream in(slurp(path));
-  std::string line;
-  std::getline(in, line);
-  // Names may be quoted and hold commas: count columns from the first data row instead.
-  t.names.push_back(line);
-  while (std::getline(in, line)) {
-    std::vector<double> row;
+  std::getline(in, t.header);
+  for (std::string line; std::getline(in, line);) {
     std::istringstream cells(line);
-    std::string cell;
-    while (std::getline(cells, cell, ',')) row.push_back(std::stod(cell));
+    std::vector<double> row;
+    for (std::string cell; std::getline(cells, cell, ',');) row.push_back(std::stod(cell));
     t.rows.push_back(row);
   }
   return t;
@@ -129,7 +126,7 @@ TEST(Plot, EveryKindWritesAPictureOfTheAskedSize) {
 TEST(Plot, LegendNamesEachCurveOfAFamily) {
   const ScratchDir dir;
   const Table t = plotCsv(dir, {"tone", "--bass", "1,5.5,10", "--deep", "on,off"});
-  EXPECT_EQ(t.names[0],
+  EXPECT_EQ(t.header,
             "frequency_hz,\"DEEP on, BASS 1.00 (dB)\",\"DEEP on, BASS 5.50 (dB)\","
             "\"DEEP on, BASS 10.00 (dB)\",\"DEEP off, BASS 1.00 (dB)\","
             "\"DEEP off, BASS 5.50 (dB)\",\"DEEP off, BASS 10.00 (dB)\"");
