@@ -52,7 +52,7 @@ constexpr double dialOf(double value) noexcept {
   return 9.0 * value + 1.0;
 }
 
-// The normalised value that a dial position displays as; the inverse of dialOf up to float rounding.
+// The dial position's normalised value; the inverse of dialOf up to float rounding.
 constexpr float valueOfDial(double dial) noexcept {
   return static_cast<float>((dial - Dial::kMin) / (Dial::kMax - Dial::kMin));
 }

@@ -50,9 +50,7 @@ int run(CLI::App* renderApp, CLI::App* infoApp, CLI::App* demoApp, CLI::App* plo
   }
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int runCommandLine(int argc, char** argv) {
   // Beyond a file-size limit a write then fails with an error the command reports and cleans up
   // after, instead of the signal ending it with a partial file.
   std::signal(SIGXFSZ, SIG_IGN);
@@ -87,4 +85,14 @@ int main(int argc, char** argv) {
   }
 
   return finish(run(renderApp, infoApp, demoApp, plotApp, render, info, demo, plot));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return runCommandLine(argc, argv);
+  } catch (...) {  // even the message could not be written: the exit code must still say so
+    return kExitFailure;
+  }
 }

@@ -32,7 +32,7 @@ std::string kindOf(fs::file_type type) {
 
 fs::path followLink(const fs::path& given) {
   std::error_code error;
-  const fs::path real = fs::canonical(given, error);
+  fs::path real = fs::canonical(given, error);
   if (!error) return real;
   if (error.value() == ELOOP) {
     throw RunError("cannot write " + given.string() + ": it is a loop of symbolic links");

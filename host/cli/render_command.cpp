@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
-#include <tuple>
 
 #include "host/cli/commands.h"
 #include "host/cli/dial_validator.h"
@@ -33,16 +32,20 @@ CLI::App* addRender(CLI::App& app, RenderCommand& command) {
   sub->add_option("--deep", command.deep, "DEEP voicing of the tone stack")
       ->check(CLI::IsMember({"on", "off"}, CLI::ignore_case).description(""))
       ->type_name("on|off");
-  const std::tuple<const char*, const char*, std::optional<double>*> knobs[] = {
+  const struct {
+    const char* option;
+    const char* name;
+    std::optional<double>* target;
+  } knobs[] = {
       {"--volume", "VOLUME", &tone.volume},
       {"--treble", "TREBLE", &tone.treble},
       {"--bass", "BASS", &tone.bass},
       {"--master", "MASTER", &tone.master},
   };
-  for (const auto& [option, knob, target] : knobs) {
+  for (const auto& knob : knobs) {
     sub->add_option_function<double>(
-           option, [target](const double& d) { *target = d; },
-           fmt::format("{} dial position, 1 to 10", knob))
+           knob.option, [target = knob.target](const double& d) { *target = d; },
+           fmt::format("{} dial position, 1 to 10", knob.name))
         ->check(dialPosition())
         ->type_name("D");
   }

@@ -127,7 +127,7 @@ TEST(Demo, WritesTheSameDryRiffEveryTimeAndItsRender) {
   const Audio dry = readAudio(target + "/demo-dry.wav");
   EXPECT_EQ(dry.info.samplerate, 44100);
   EXPECT_EQ(dry.info.channels, 1);
-  EXPECT_TRUE(dry.info.frames >= 3 * 44100 && dry.info.frames <= 10 * 44100) << dry.info.frames;
+  EXPECT_TRUE(dry.info.frames >= 3 * 44100L && dry.info.frames <= 10 * 44100L) << dry.info.frames;
   // The amp's render is the loader's render of the dry file at the start-up program.
   EXPECT_TRUE(holds(readAudio(target + "/demo-amp.wav"), referenceRender(kAmp, dry, {})));
 

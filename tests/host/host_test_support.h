@@ -76,7 +76,8 @@ inline void writeAudio(const fs::path& path, int channels, int rate, int subtype
   if (!sample) sample = [](long i, int c) { return 0.5 * std::sin(0.008 * (c + 1) * i); };
   SF_INFO info{0, rate, channels, SF_FORMAT_WAV | subtype, 0, 0};
   std::vector<double> samples(frames * channels);
-  for (long i = 0; i < frames * channels; ++i) samples[i] = sample(i / channels, i % channels);
+  for (long i = 0; i < frames * channels; ++i)
+    samples[i] = sample(i / channels, static_cast<int>(i % channels));
   SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);
   sf_writef_double(file, samples.data(), frames);
   sf_close(file);
@@ -100,6 +101,7 @@ inline pid_t startCommand(std::vector<std::string> args, const std::string& out 
                           const std::function<void()>& inChild = {}) {
   args.insert(args.begin(), command);
   std::vector<char*> argv;
+  argv.reserve(args.size() + 1);
   for (std::string& a : args) argv.push_back(a.data());
   argv.push_back(nullptr);
   const pid_t pid = fork();

@@ -126,7 +126,7 @@ TEST(Hostile, SignalsIgnoredAtTheStartStayIgnored) {
 
 TEST(Hostile, InterruptedRenderLeavesNoTemporaryFile) {
   const ScratchDir dir;
-  writeAudio(dir / "in.wav", 1, 44100, SF_FORMAT_FLOAT, 4 * 44100);
+  writeAudio(dir / "in.wav", 1, 44100, SF_FORMAT_FLOAT, 4 * 44100L);
   // The slow stand-in takes a millisecond per 64-frame block: about three seconds in all. Sent
   // once the temporary file holds data, the signal lands mid-render.
   const pid_t pid = startCommand(
@@ -173,7 +173,7 @@ TEST(Hostile, ATruncatedFileRendersWhatItHoldsAndSaysWhatWasMissing) {
   const ScratchDir dir;
   writeAudio(dir / "full.wav", 1, 44100, SF_FORMAT_PCM_16, 10000);
   const std::string full = slurp(dir / "full.wav");
-  std::ofstream(dir / "cut.wav", std::ios::binary) << full.substr(0, full.size() - 6000 * 2);
+  std::ofstream(dir / "cut.wav", std::ios::binary) << full.substr(0, full.size() - 6000UL * 2);
   const Result result = runCommand({"render", dir / "cut.wav", dir / "out.wav", "--plugin",
                                     testPlugin("fake"), "--format", "DOUBLE", "-q"});
   EXPECT_EQ(result.exitCode, 0);
