@@ -4,7 +4,7 @@ BUILD_DIR := build/$(PRESET)
 # `make install` puts the command, the plug-ins and the man page under PREFIX; DESTDIR stages them.
 PREFIX ?= /usr/local
 
-.PHONY: all deps configure build test demo bench install package format clean
+.PHONY: all deps configure build test demo bench install package format format-check tidy clean
 
 all: build
 
@@ -36,6 +36,17 @@ bench: build
 
 format:
 	@clang-format -i $$(git ls-files '*.h' '*.cpp')
+
+format-check:
+	@clang-format --dry-run -Werror $$(git ls-files '*.h' '*.cpp')
+
+# The curated checks of .clang-tidy over our sources, from the build's commands without g++'s
+# optimiser flags that clang rejects.
+tidy: build
+	@mkdir -p build/tidy
+	@sed 's/ -fno-tree-loop-distribute-patterns//g' $(BUILD_DIR)/compile_commands.json \
+	  > build/tidy/compile_commands.json
+	@run-clang-tidy -p build/tidy -j2 -quiet '$(CURDIR)/(amp|bench|dsp|formats|host|hostif|plot|tests)/'
 
 clean:
 	@rm -rf build

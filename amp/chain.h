@@ -77,7 +77,7 @@ struct Block {
     for (int k = 0; k < 7; ++k) bands[k] = eq[k].settled();
     Cascade<4, 1> cascade;
     cascade.pair[0].load(first[0], first[1]);
-    for (int k = 0; k < 3; ++k) cascade.pair[k + 1].load(bands[2 * k], bands[2 * k + 1]);
+    for (std::size_t k = 0; k < 3; ++k) cascade.pair[k + 1].load(bands[2 * k], bands[2 * k + 1]);
     cascade.tail[0] = bands[6];
     const double v0 = lastVolume, dv = volumeStep;
     cascade.run(
@@ -86,7 +86,7 @@ struct Block {
           x[j] = finiteOrZero((c * dv + v0) * v);
         });
     cascade.pair[0].store(first[0], first[1]);
-    for (int k = 0; k < 3; ++k) cascade.pair[k + 1].store(bands[2 * k], bands[2 * k + 1]);
+    for (std::size_t k = 0; k < 3; ++k) cascade.pair[k + 1].store(bands[2 * k], bands[2 * k + 1]);
     bands[6] = cascade.tail[0];
     for (int k = 0; k < 7; ++k) eq[k].z1 = bands[k].z1, eq[k].z2 = bands[k].z2;
   }

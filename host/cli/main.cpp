@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <new>
 #include <string>
 
 #include "host/cli/build_facts.h"
@@ -45,6 +46,8 @@ int run(CLI::App* renderApp, CLI::App* infoApp, CLI::App* demoApp, CLI::App* plo
     return kExitUsage;
   } catch (const UsageError& error) {
     return fail(kExitUsage, error.what());
+  } catch (const std::bad_alloc&) {  // the buffers grow with --block and the channels
+    return fail(kExitFailure, "not enough memory; a smaller --block needs less");
   } catch (const std::exception& error) {
     return fail(kExitFailure, error.what());
   }

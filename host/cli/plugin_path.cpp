@@ -21,7 +21,7 @@ std::filesystem::path defaultPluginPath() {
   const auto folders = pluginSearchFolders();
   std::string searched;
   for (const auto& folder : folders) {
-    const auto candidate = folder / kPluginFileName;
+    auto candidate = folder / kPluginFileName;
     std::error_code error;
     if (std::filesystem::exists(candidate, error)) return candidate;
     searched += (searched.empty() ? "" : " or ") + folder.string();

@@ -50,7 +50,7 @@ TEST(Processing, LoudInputStaysBoundedAndItsDecayingTailHasNoDenormals) {
   plugin.setSampleRate(96000.0f);
   for (int index = 1; index <= 5; ++index) plugin.setParameter(index, 1.0f);
   std::vector<double> input = testSignal(20000, 96000.0, 1.0e6);
-  input.resize(512 * 2250, 0.0);  // 12 s: a long silence after the note
+  input.resize(512UL * 2250, 0.0);  // 12 s: a long silence after the note
   for (std::size_t i = 0; i < input.size(); i += 512) plugin.process(&input[i], &input[i], 512);
   double peak = 0.0;
   for (const double v : input) {

@@ -24,7 +24,7 @@ TEST(SpeakerArrangement, AllocationHoldsExactlyItsSpeakersZeroFilled) {
   ASSERT_TRUE(fx.allocateArrangement(&a, 2));
   const auto* bytes = reinterpret_cast<const char*>(a);
   EXPECT_TRUE(a->numChannels == 2 && a->type == 0);
-  EXPECT_EQ(std::count(bytes + 8, bytes + 8 + 2 * 112, 0), 2 * 112);
+  EXPECT_EQ(std::count(bytes + 8, bytes + 8 + 2L * 112, 0), 2 * 112);
   ASSERT_TRUE(fx.allocateArrangement(&a, 10));  // releases the first block
   EXPECT_TRUE(a->numChannels == 10 && speaker(a, 9).type == 0);
   EXPECT_TRUE(!fx.allocateArrangement(&a, -1) && a == nullptr);  // an impossible size

@@ -44,7 +44,9 @@ TEST(Chart, DrawsTheCurveWhereTheAxesPutIt) {
   const int stride = cairo_image_surface_get_stride(s);
   int found = -1;
   for (int y = 0; y < 600 && found < 0; ++y) {
-    const auto* px = reinterpret_cast<const std::uint32_t*>(data + y * stride) + 400;
+    const auto* px =
+        reinterpret_cast<const std::uint32_t*>(data + static_cast<std::ptrdiff_t>(y) * stride) +
+        400;
     const int r = (*px >> 16) & 0xff, g = (*px >> 8) & 0xff, b = *px & 0xff;
     if (b > 140 && r < 60 && g < 120) found = y;  // the first series' blue
   }
@@ -57,6 +59,7 @@ TEST(Chart, DrawsTheCurveWhereTheAxesPutIt) {
 
 std::vector<std::string> labels(const std::vector<Tick>& ticks) {
   std::vector<std::string> out;
+  out.reserve(ticks.size());
   for (const Tick& t : ticks) out.push_back(t.label);
   return out;
 }

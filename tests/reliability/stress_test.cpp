@@ -73,7 +73,7 @@ double rms(const std::vector<double>& x) {
 // Judged against a twin instance that runs the same input with the value never disturbed.
 TEST(OutOfRange, EveryParameterStaysFiniteAndRecoversWithinTwoBlocks) {
   constexpr int kBlock = 512;
-  const double bound = outputBound(44100.0, 64 * kBlock);
+  const double bound = outputBound(44100.0, 64L * kBlock);
   for (VstInt32 param = 1; param <= 5; ++param) {
     for (const float bad :
          {NAN, INFINITY, -INFINITY, FLT_MAX, -FLT_MAX, 1e30f, -1e30f, 7.0f, -5.0f}) {
