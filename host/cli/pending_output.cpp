@@ -17,7 +17,9 @@
 namespace tarnwell::cli {
 namespace {
 
-constexpr int kCleanupSignals[] = {SIGINT, SIGTERM, SIGHUP};
+// The signals that end a render from outside: Ctrl-C and Ctrl-\, a kill, a closed terminal, a
+// CPU-time limit.
+constexpr int kCleanupSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGXCPU};
 
 // The path the signal handler removes; written only while no handler can run on it (disarmed).
 std::array<char, 4096> pendingPath{};

@@ -1,8 +1,8 @@
 // An output file that appears whole or not at all. The data goes to a temporary file beside the
 // target (same directory, so the final rename never crosses file systems); commit() flushes it to
 // disk and renames it into place. Until then the target is untouched, and the temporary file is
-// removed when the object goes out of scope, on an exception or when SIGINT, SIGTERM or SIGHUP ends
-// the program (best effort, one pending output at a time).
+// removed when the object goes out of scope, on an exception or when a signal ends the program
+// (SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGXCPU; best effort, one pending output at a time).
 //
 // The target is checked up front (OutputTarget): a link is written through, only a regular file is
 // replaced, and only with `overwrite`; a replaced file keeps its permission bits, and its owner and

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstring>
 #include <sstream>
 
 #include "host_test_support.h"
@@ -124,22 +125,30 @@ TEST(Hostile, SignalsIgnoredAtTheStartStayIgnored) {
   EXPECT_EQ(readAudio(dir / "out.wav").info.frames, 44100);
 }
 
-TEST(Hostile, InterruptedRenderLeavesNoTemporaryFile) {
-  const ScratchDir dir;
-  writeAudio(dir / "in.wav", 1, 44100, SF_FORMAT_FLOAT, 4 * 44100L);
-  // The slow stand-in takes a millisecond per 64-frame block: about three seconds in all. Sent
-  // once the temporary file holds data, the signal lands mid-render.
-  const pid_t pid = startCommand(
-      {"render", dir / "in.wav", dir / "out.wav", "--plugin", testPlugin("slow"), "--block", "64"});
-  const auto rendering = [&] {
-    const auto [name, bytes] = *dir.files().begin();  // sorts before in.wav
-    return name.starts_with(".out.wav.tarnwell-") && !bytes.empty();
-  };
-  for (int wait = 0; wait < 2000 && !rendering(); ++wait) usleep(5000);
-  ASSERT_TRUE(rendering()) << "no temporary file beside OUT filling up";
-  kill(pid, SIGINT);
-  EXPECT_EQ(waitCommand(pid), -SIGINT);
-  EXPECT_EQ(dir.files().size(), 1u);
+TEST(Hostile, AnInterruptedRenderLeavesNoTemporaryFile) {
+  // Ctrl-C, a kill, a closed terminal, Ctrl-\ and a CPU-time limit.
+  for (const int sent : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGXCPU}) {
+    SCOPED_TRACE(strsignal(sent));
+    const ScratchDir dir;
+    writeAudio(dir / "in.wav", 1, 44100, SF_FORMAT_FLOAT, 4 * 44100L);
+    // The slow stand-in takes a millisecond per 64-frame block: about three seconds in all. Sent
+    // once the temporary file holds data, the signal lands mid-render.
+    const pid_t pid = startCommand({"render", dir / "in.wav", dir / "out.wav", "--plugin",
+                                    testPlugin("slow"), "--block", "64"},
+                                   "/dev/null", "/dev/null", kCommand, [] {
+                                     const rlimit noCore{0, 0};
+                                     setrlimit(RLIMIT_CORE, &noCore);
+                                   });
+    const auto rendering = [&] {
+      const auto [name, bytes] = *dir.files().begin();  // sorts before in.wav
+      return name.starts_with(".out.wav.tarnwell-") && !bytes.empty();
+    };
+    for (int wait = 0; wait < 2000 && !rendering(); ++wait) usleep(5000);
+    ASSERT_TRUE(rendering()) << "no temporary file beside OUT filling up";
+    kill(pid, sent);
+    EXPECT_EQ(waitCommand(pid), -sent);
+    EXPECT_EQ(dir.files().size(), 1u);
+  }
 }
 
 TEST(Hostile, LongNamesLinksAndReplacedFilesAreWrittenAsAUserExpects) {
