@@ -94,7 +94,8 @@ std::vector<float> reference(const std::vector<float>& tone, double rate, int pe
   history.insert(history.end(), tone.begin(), tone.end());
   for (std::size_t start = 0; start < history.size(); start += period) {
     double* block = &history[start];
-    amp->processDoubleReplacing(&block, &block, std::min<int>(period, history.size() - start));
+    const auto frames = std::min<std::size_t>(period, history.size() - start);
+    amp->processDoubleReplacing(&block, &block, static_cast<int>(frames));
   }
   return std::vector<float>(history.end() - tone.size(), history.end());
 }
