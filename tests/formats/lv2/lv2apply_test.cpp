@@ -1,7 +1,7 @@
 // Real clients as a user drives them: Debian's lv2apply renders a bass DI through the bundle in
 // the build tree (or, with TARNWELL_LV2_DIR set, through the bundle in that folder, such as an
-// installed /usr/lib/lv2), and `tarnwell render` renders the same file with the same dial settings. Both
-// run the same double chain and write float files but start differently: lv2apply's fresh
+// installed /usr/lib/lv2), and `tarnwell render` renders the same file with the same dial settings.
+// Both run the same double chain and write float files but start differently: lv2apply's fresh
 // instance fades in over its first (one-sample) run, while the command first runs its instance
 // on silence until settled. Past the start the two files agree within float rounding.
 //
