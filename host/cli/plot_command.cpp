@@ -139,9 +139,7 @@ CLI::App* addPlot(CLI::App& app, PlotCommand& command) {
       ->type_name("WxH")
       ->capture_default_str();
   sub->add_flag("--overwrite", command.overwrite, "Replace OUT and the CSV if they exist");
-  sub->add_option("--plugin", command.plugin,
-                  "Plug-in library (default: tarnwell.so beside this command)")
-      ->type_name("PATH");
+  sub->add_option("--plugin", command.plugin, kPluginOptionHelp)->type_name("PATH");
   return sub;
 }
 
