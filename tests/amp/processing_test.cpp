@@ -2,6 +2,7 @@
 // floating-point state, denormals, bad input and the state before the first set-up.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cfloat>
 #include <numeric>
@@ -74,22 +75,12 @@ TEST(Processing, NonFiniteInputOrParametersNeverReachTheOutputAndTheAmpRecovers)
     for (unsigned block = 0; block < 4; ++block) {  // two clean blocks later it plays normally
       plugin.process(in.data(), out.data(), 256);
       for (const double v : out) ASSERT_TRUE(std::isfinite(v));
+      // MASTER not a number: not a muffled or clamped signal but nothing at all
+      if (block == 0 && param == 5) ASSERT_EQ(std::ranges::count(out, 0.0), 256);
       plugin.setParameter(param, 0.5f);
       in = testSignal(256, 48000.0, 0.5, 5 + block);
     }
     EXPECT_GT(std::inner_product(out.begin(), out.end(), out.begin(), 0.0), 1e-6);
-  }
-}
-
-TEST(Processing, AMasterThatIsNotANumberSilencesTheAmp) {
-  // Not a muffled or clamped signal, nor a step into the output filters: nothing at all.
-  LoadedPlugin plugin;
-  plugin.setSampleRate(48000.0f);
-  plugin.setParameter(5, std::nanf(""));
-  std::vector<double> in = testSignal(256, 48000.0, 0.5), out(256);
-  for (int block = 0; block < 3; ++block) {
-    plugin.process(in.data(), out.data(), 256);
-    for (const double v : out) ASSERT_EQ(v, 0.0) << "block " << block;
   }
 }
 

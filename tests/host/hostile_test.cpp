@@ -106,38 +106,22 @@ TEST(Hostile, LimitsAndFullDisksEndInAMessageNotASignal) {
   expectHas(full.err, {"cannot write standard output: No space left on device"});
 }
 
-TEST(Hostile, SignalsIgnoredAtTheStartStayIgnored) {
-  // As under nohup, or a job a shell started in the background: the render carries on.
-  const ScratchDir dir;
-  writeAudio(dir / "in.wav", 1, 44100, SF_FORMAT_FLOAT, 44100);
-  const pid_t pid = startCommand(
-      {"render", dir / "in.wav", dir / "out.wav", "--plugin", testPlugin("slow"), "--block", "64"},
-      "/dev/null", "/dev/null", kCommand, [] {
-        signal(SIGINT, SIG_IGN);
-        signal(SIGHUP, SIG_IGN);
-      });
-  const auto rendering = [&] { return dir.files().begin()->first.starts_with(".out.wav."); };
-  for (int wait = 0; wait < 2000 && !rendering(); ++wait) usleep(5000);
-  ASSERT_TRUE(rendering()) << "no temporary file beside OUT";
-  kill(pid, SIGINT);
-  kill(pid, SIGHUP);
-  EXPECT_EQ(waitCommand(pid), 0);
-  EXPECT_EQ(readAudio(dir / "out.wav").info.frames, 44100);
-}
-
-TEST(Hostile, AnInterruptedRenderLeavesNoTemporaryFile) {
-  // Ctrl-C, a kill, a closed terminal, Ctrl-\ and a CPU-time limit.
-  for (const int sent : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGXCPU}) {
-    SCOPED_TRACE(strsignal(sent));
+TEST(Hostile, AnInterruptedRenderLeavesNoTemporaryFileAndIgnoredSignalsStayIgnored) {
+  // Ctrl-C, a kill, a closed terminal, Ctrl-\ and a CPU-time limit; 0 stands for SIGINT and SIGHUP
+  // ignored from the start, as under nohup or in a shell's background job: the render carries on.
+  for (const int sent : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGXCPU, 0}) {
+    SCOPED_TRACE(sent != 0 ? strsignal(sent) : "ignored");
     const ScratchDir dir;
     writeAudio(dir / "in.wav", 1, 44100, SF_FORMAT_FLOAT, 4 * 44100L);
     // The slow stand-in takes a millisecond per 64-frame block: about three seconds in all. Sent
     // once the temporary file holds data, the signal lands mid-render.
     const pid_t pid = startCommand({"render", dir / "in.wav", dir / "out.wav", "--plugin",
                                     testPlugin("slow"), "--block", "64"},
-                                   "/dev/null", "/dev/null", kCommand, [] {
+                                   "/dev/null", "/dev/null", kCommand, [sent] {
                                      const rlimit noCore{0, 0};
                                      setrlimit(RLIMIT_CORE, &noCore);
+                                     if (sent == 0)
+                                       signal(SIGINT, SIG_IGN), signal(SIGHUP, SIG_IGN);
                                    });
     const auto rendering = [&] {
       const auto [name, bytes] = *dir.files().begin();  // sorts before in.wav
@@ -145,9 +129,16 @@ TEST(Hostile, AnInterruptedRenderLeavesNoTemporaryFile) {
     };
     for (int wait = 0; wait < 2000 && !rendering(); ++wait) usleep(5000);
     ASSERT_TRUE(rendering()) << "no temporary file beside OUT filling up";
-    kill(pid, sent);
-    EXPECT_EQ(waitCommand(pid), -sent);
-    EXPECT_EQ(dir.files().size(), 1u);
+    if (sent != 0) {
+      kill(pid, sent);
+      EXPECT_EQ(waitCommand(pid), -sent);
+      EXPECT_EQ(dir.files().size(), 1u);
+    } else {
+      kill(pid, SIGINT);
+      kill(pid, SIGHUP);
+      EXPECT_EQ(waitCommand(pid), 0);
+      EXPECT_EQ(readAudio(dir / "out.wav").info.frames, 4 * 44100L);
+    }
   }
 }
 

@@ -96,15 +96,12 @@ const Query kQueries[] = {
 };
 // clang-format on
 
-TEST(HostQueries, RecordingHostSeesWhatTheEffectSendsButNoNullPointer) {
+TEST(HostQueries, ANullPointerIsNeverSentToTheHost) {
   gHost.clear();
-  gHost.answers[audioMasterVersion] = 2400;
   PlainEffect fx(recordingHost);
-  EXPECT_EQ(fx.getMasterVersion(), 2400);
   EXPECT_FALSE(fx.openFileSelector(nullptr) || fx.closeFileSelector(nullptr) ||
                fx.__getChunkFileDeprecated(nullptr));
-  const HostCall version{fx.getAeffect(), audioMasterVersion, 0, 0, nullptr, 0.0f};
-  EXPECT_EQ(gHost.calls, std::vector<HostCall>{version});
+  EXPECT_TRUE(gHost.calls.empty());
 }
 
 TEST(HostQueries, EachSendsExactlyItsRequestAndReadsTheAnswer) {
