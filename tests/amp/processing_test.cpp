@@ -76,7 +76,9 @@ TEST(Processing, NonFiniteInputOrParametersNeverReachTheOutputAndTheAmpRecovers)
       plugin.process(in.data(), out.data(), 256);
       for (const double v : out) ASSERT_TRUE(std::isfinite(v));
       // MASTER not a number: not a muffled or clamped signal but nothing at all
-      if (block == 0 && param == 5) ASSERT_EQ(std::ranges::count(out, 0.0), 256);
+      if (block == 0 && param == 5) {
+        ASSERT_EQ(std::ranges::count(out, 0.0), 256);
+      }
       plugin.setParameter(param, 0.5f);
       in = testSignal(256, 48000.0, 0.5, 5 + block);
     }
