@@ -16,7 +16,6 @@ TEST(Render, EqualsTheLoaderBlockByBlock) {
   // Channels, rate, subtype, frames, block frames: the last case ends on a short block.
   const std::tuple<int, int, int, int, int> cases[] = {{1, 44100, SF_FORMAT_PCM_16, 20000, 4096},
                                                        {2, 48000, SF_FORMAT_FLOAT, 20000, 4096},
-                                                       {2, 44100, SF_FORMAT_FLOAT, 9000, 4096},
                                                        {2, 48000, SF_FORMAT_PCM_16, 100003, 1000}};
   for (const auto& [channels, rate, subtype, frames, block] : cases) {
     SCOPED_TRACE(testing::Message() << channels << " x " << frames << " at " << rate << " Hz");
@@ -135,11 +134,12 @@ TEST(Demo, WritesTheSameDryRiffEveryTimeAndItsRender) {
   EXPECT_EQ(readAudio(dir / "again/demo-dry.wav").samples, dry.samples);
 }
 
-TEST(Help, EveryCommandExplainsItself) {
+TEST(Help, EveryCommandExplainsItselfAndVersionIsTheRelease) {
   for (const std::string command : {"render", "info", "demo"})
     expectHas(succeeds({command, "--help"}), {"Example: tarnwell " + command});
   expectHas(succeeds({"render", "--help"}), {"1 to 16 as users count"});
   expectHas(succeeds({"--help"}), {"Exit codes: 0 success, 1 usage error"});
+  EXPECT_EQ(succeeds({"--version"}), "tarnwell " TARNWELL_VERSION "\n");
 }
 
 }  // namespace

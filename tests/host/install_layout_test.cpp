@@ -1,6 +1,6 @@
 // The command as installed under a prefix: it finds the plug-in beside itself first, then in the
 // prefix's lib/tarnwell/, whatever folder or link it is started from; when neither holds it, it
-// names both places and writes nothing. --version gives the release the build was made from.
+// names both places and writes nothing.
 #include <gtest/gtest.h>
 
 #include "host_test_support.h"
@@ -63,12 +63,6 @@ TEST(InstalledCommand, WithoutThePluginNamesBothFoldersAndWritesNothing) {
     EXPECT_EQ(result.err, expected) << args[0];
   }
   EXPECT_EQ(work.files().size(), 1u);
-}
-
-TEST(InstalledCommand, VersionIsTheRelease) {
-  const Result result = runCommand({"--version"});
-  EXPECT_EQ(result.exitCode, 0);
-  EXPECT_EQ(result.out, "tarnwell " TARNWELL_VERSION "\n");
 }
 
 }  // namespace
