@@ -26,15 +26,18 @@ TEST(TwoLanes, ArithmeticIsTheScalarOperationInEachLane) {
   EXPECT_EQ(bits(lanes::lane1(r)), bits(gC * gD + gD - gC));
 }
 
-TEST(TwoLanes, MergeAndPairsKeepEachLaneInItsPlace) {
+TEST(TwoLanes, MergePairsAndConversionsKeepEachLaneInItsPlace) {
   const Lanes a = lanes::make(1.0, 2.0), b = lanes::make(3.0, 4.0);
   const double a0[] = {5.0, 6.0, 7.0};
+  // truncated toward zero, then widened back exactly
+  const Lanes converted = lanes::widened(lanes::truncated(lanes::make(40000.0, 19999.999)));
   const struct {
     Lanes v;
     double lane0, lane1;
   } cases[] = {{lanes::merge(a, b), 1.0, 4.0},      {lanes::merge(b, a), 3.0, 2.0},
                {lanes::lows(a, b), 1.0, 3.0},       {lanes::highs(a, b), 2.0, 4.0},
-               {lanes::loadPair(&a0[1]), 6.0, 7.0}, {lanes::both(8.0), 8.0, 8.0}};
+               {lanes::loadPair(&a0[1]), 6.0, 7.0}, {lanes::both(8.0), 8.0, 8.0},
+               {converted, 40000.0, 19999.0}};
   for (const auto& c : cases) {
     EXPECT_EQ(lanes::lane0(c.v), c.lane0);
     EXPECT_EQ(lanes::lane1(c.v), c.lane1);
@@ -58,15 +61,6 @@ TEST(TwoLanes, ClampAndFiniteTestKeepZerosSignedAndTreatNaNAndInfinitiesAsTheSca
     EXPECT_EQ(bits(lanes::lane0(finite)), std::isfinite(c.in) ? bits(c.in) : 0u) << c.in;
     EXPECT_EQ(bits(lanes::lane1(finite)), std::isfinite(c.in) ? bits(-c.in) : 0u) << -c.in;
   }
-}
-
-TEST(TwoLanes, TruncationAndWideningAreExactTowardZero) {
-  const lanes::LaneIndices i = lanes::truncated(lanes::make(40000.0, 19999.999));
-  EXPECT_EQ(i[0], 40000);
-  EXPECT_EQ(i[1], 19999);
-  const Lanes back = lanes::widened(i);
-  EXPECT_EQ(lanes::lane0(back), 40000.0);
-  EXPECT_EQ(lanes::lane1(back), 19999.0);
 }
 
 }  // namespace
