@@ -11,7 +11,7 @@ namespace tarnwell::lv2 {
 Lv2Amp::Lv2Amp(double sampleRate, std::uint32_t maxBlock)
     : sampleRate_(static_cast<float>(sampleRate)),
       effect_(makeEffect(sampleRate_, static_cast<int>(std::max(maxBlock, 1u)))),
-      scratch_(std::max(maxBlock, 1u)) {
+      scratch_(static_cast<int>(std::max(maxBlock, 1u))) {
   std::fill(std::begin(applied_), std::end(applied_), std::numeric_limits<float>::quiet_NaN());
 }
 
@@ -43,7 +43,7 @@ void Lv2Amp::connect(std::uint32_t port, void* data) noexcept {
 void Lv2Amp::activate() noexcept {
   if (!ranSinceFresh_) return;
   try {
-    std::unique_ptr<AudioEffect> fresh = makeEffect(sampleRate_, static_cast<int>(scratch_.size()));
+    std::unique_ptr<AudioEffect> fresh = makeEffect(sampleRate_, scratch_.capacity());
     effect_->close();
     effect_ = std::move(fresh);
     std::fill(std::begin(applied_), std::end(applied_), std::numeric_limits<float>::quiet_NaN());
@@ -69,15 +69,13 @@ void Lv2Amp::run(std::uint32_t sampleCount) noexcept {
   if (input_ == nullptr || output_ == nullptr) return;
   ranSinceFresh_ = true;
 
-  const std::uint32_t capacity = scratchLength();
-  double* io = scratch_.data();
-  for (std::uint32_t done = 0; done < sampleCount;) {
-    const std::uint32_t piece = std::min(sampleCount - done, capacity);
-    for (std::uint32_t i = 0; i < piece; ++i) io[i] = input_[done + i];
-    effect_->processDoubleReplacing(&io, &io, static_cast<VstInt32>(piece));
-    for (std::uint32_t i = 0; i < piece; ++i) output_[done + i] = static_cast<float>(io[i]);
-    done += piece;
-  }
+  // An empty run is no block: the changes it brought glide over the next run that has samples.
+  if (sampleCount == 0) return;
+  AudioEffect& effect = *effect_;
+  scratch_.run(input_, output_, static_cast<int>(sampleCount),
+               [&effect](double* in, double* out, int frames) noexcept {
+                 effect.processDoubleReplacing(&in, &out, frames);
+               });
 }
 
 }  // namespace tarnwell::lv2

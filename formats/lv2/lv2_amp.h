@@ -18,8 +18,8 @@
 
 #include <cstdint>
 #include <memory>
-#include <vector>
 
+#include "dsp/float_bridge.h"
 #include "formats/lv2/ports.h"
 #include "hostif/audioeffect.h"
 
@@ -40,7 +40,7 @@ class Lv2Amp {
   void run(std::uint32_t sampleCount) noexcept;
 
   std::uint32_t scratchLength() const noexcept {
-    return static_cast<std::uint32_t>(scratch_.size());
+    return static_cast<std::uint32_t>(scratch_.capacity());
   }
 
  private:
@@ -49,7 +49,7 @@ class Lv2Amp {
 
   float sampleRate_;
   std::unique_ptr<AudioEffect> effect_;
-  std::vector<double> scratch_;
+  FloatBridge scratch_;
   bool ranSinceFresh_ = false;
 
   const float* input_ = nullptr;
